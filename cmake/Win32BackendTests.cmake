@@ -1,0 +1,34 @@
+# Builds the Win32 backend's tests with mingw-w64 and adds them to this build's
+# CTest run, labelled "win32", each run by Wine in a throw-away prefix.
+find_program(TALLYROOT_MINGW_CXX x86_64-w64-mingw32-g++-posix)
+find_program(TALLYROOT_WINE64 NAMES wine64 PATHS /usr/lib/wine)
+if(NOT TALLYROOT_MINGW_CXX OR NOT TALLYROOT_WINE64)
+    message(STATUS "Win32 backend tests: skipped, mingw-w64 (posix) or wine64 not found")
+    return()
+endif()
+
+include(ExternalProject)
+set(win32_build ${CMAKE_CURRENT_BINARY_DIR}/win32-backend)
+ExternalProject_Add(win32_backend_tests
+    SOURCE_DIR ${PROJECT_SOURCE_DIR}/cmake/win32-backend
+    BINARY_DIR ${win32_build}
+    CMAKE_ARGS -DCMAKE_TOOLCHAIN_FILE=${PROJECT_SOURCE_DIR}/cmake/mingw-w64-x86_64-posix.cmake
+               -DCMAKE_BUILD_TYPE=Release
+    INSTALL_COMMAND ""
+    BUILD_ALWAYS ON
+    USES_TERMINAL_BUILD ON)
+
+set(wine_prefix ${CMAKE_CURRENT_BINARY_DIR}/wineprefix)
+set(wine_environment "WINEPREFIX=${wine_prefix};WINEDEBUG=-all;WINEDLLOVERRIDES=mscoree,mshtml=")
+
+# Wine's first start creates the prefix and takes a while; do it once, up front.
+add_test(NAME win32.prefix COMMAND ${TALLYROOT_WINE64} wineboot --init)
+set_tests_properties(win32.prefix PROPERTIES
+    FIXTURES_SETUP wine_prefix LABELS win32 ENVIRONMENT "${wine_environment}" TIMEOUT 300)
+
+include(${PROJECT_SOURCE_DIR}/tests/platform/tests.cmake)
+foreach(test IN LISTS TALLYROOT_PLATFORM_TESTS TALLYROOT_PLATFORM_WIN32_TESTS)
+    add_test(NAME win32.${test} COMMAND ${TALLYROOT_WINE64} ${win32_build}/${test}.exe)
+    set_tests_properties(win32.${test} PROPERTIES
+        FIXTURES_REQUIRED wine_prefix LABELS win32 ENVIRONMENT "${wine_environment}" TIMEOUT 120)
+endforeach()

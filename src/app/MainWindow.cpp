@@ -1,0 +1,42 @@
+#include "MainWindow.h"
+
+#include "WindowGeometry.h"
+#include "ui_MainWindow.h"
+
+#include <QCloseEvent>
+#include <QStackedLayout>
+
+MainWindow::MainWindow(QWidget* parent)
+    : QMainWindow(parent)
+    , ui(std::make_unique<Ui::MainWindow>())
+{
+    ui->setupUi(this);
+    restoreGeometry();
+
+    stackedLayout = new QStackedLayout;
+    homeForm = new QWidget(this);
+    stackedLayout->addWidget(homeForm);
+    ui->centralwidget->setLayout(stackedLayout);
+    setWindowTitle(tr("Tallyroot"));
+}
+
+MainWindow::~MainWindow() = default;
+
+void MainWindow::restoreGeometry()
+{
+    const auto g =
+        WindowGeometry::restore(WindowGeometry::read(), platform::fullScreenClientSize());
+    const int width = static_cast<int>(g.width);
+    const int height = static_cast<int>(g.height);
+    // A position that wrapped below zero is left to the window system to place.
+    if (g.hasPlaceablePosition())
+        setGeometry(static_cast<int>(g.x), static_cast<int>(g.y), width, height);
+    else
+        resize(width, height);
+}
+
+void MainWindow::closeEvent(QCloseEvent* event)
+{
+    WindowGeometry::fromRect(geometry()).write();
+    event->accept();
+}

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QMainWindow>
+
+#include <memory>
+
+class QStackedLayout;
+
+namespace Ui {
+class MainWindow;
+}
+
+// The single top-level window: a frame around a stacked layout of screens that
+// remembers its place and size between runs.
+class MainWindow : public QMainWindow {
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(MainWindow)
+
+public:
+    explicit MainWindow(QWidget* parent = nullptr);
+    ~MainWindow() override;
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void restoreGeometry();
+
+    std::unique_ptr<Ui::MainWindow> ui;
+    // Holds the home screen's place until the home screen exists.
+    QWidget* homeForm = nullptr;
+    QStackedLayout* stackedLayout = nullptr;
+};

@@ -1,0 +1,281 @@
+#include "SettingsFile.h"
+
+#include "FileDescriptor.h"
+
+#include <QString>
+
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace posix {
+
+namespace {
+
+// Larger files are not settings this program wrote; they read as unreadable.
+constexpr off_t maximumFileSize = 16 * 1024 * 1024;
+constexpr const char* header = "# Tallyroot settings: one value a line, name=dword:number or name=sz:text";
+
+std::string toUtf8(const std::wstring& text)
+{
+    return QString::fromStdWString(text).toStdString();
+}
+
+std::wstring fromUtf8(const std::string& bytes)
+{
+    return QString::fromStdString(bytes).toStdWString();
+}
+
+bool sameName(const std::string& stored, const std::wstring& name)
+{
+    return QString::fromStdString(stored).compare(QString::fromStdWString(name),
+                                                  Qt::CaseInsensitive) == 0;
+}
+
+std::string escape(const std::string& text)
+{
+    std::string out;
+    out.reserve(text.size());
+    for (char c : text) {
+        switch (c) {
+        case '\\':
+            out += "\\\\";
+            break;
+        case '\n':
+            out += "\\n";
+            break;
+        case '\r':
+            out += "\\r";
+            break;
+        default:
+            out += c;
+        }
+    }
+    return out;
+}
+
+std::optional<std::string> unescape(const std::string& text)
+{
+    std::string out;
+    out.reserve(text.size());
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] != '\\') {
+            out += text[i];
+            continue;
+        }
+        if (++i == text.size())
+            return std::nullopt;
+        switch (text[i]) {
+        case '\\':
+            out += '\\';
+            break;
+        case 'n':
+            out += '\n';
+            break;
+        case 'r':
+            out += '\r';
+            break;
+        default:
+            return std::nullopt;
+        }
+    }
+    return out;
+}
+
+std::optional<std::uint32_t> parseDword(const std::string& digits)
+{
+    if (digits.empty() || digits.size() > 10)
+        return std::nullopt;
+    std::uint64_t value = 0;
+    for (char c : digits) {
+        if (c < '0' || c > '9')
+            return std::nullopt;
+        value = value * 10 + static_cast<std::uint64_t>(c - '0');
+    }
+    if (value > 0xFFFFFFFFu)
+        return std::nullopt;
+    return static_cast<std::uint32_t>(value);
+}
+
+struct Fields {
+    std::string name;
+    std::string type;
+    std::string payload;
+};
+
+std::optional<Fields> split(const std::string& line)
+{
+    if (line.empty() || line.front() == '#')
+        return std::nullopt;
+    const auto equals = line.find('=');
+    if (equals == std::string::npos || equals == 0)
+        return std::nullopt;
+    const auto colon = line.find(':', equals + 1);
+    if (colon == std::string::npos)
+        return std::nullopt;
+    return Fields{line.substr(0, equals), line.substr(equals + 1, colon - equals - 1),
+                  line.substr(colon + 1)};
+}
+
+bool readAll(int fd, std::string& content)
+{
+    struct stat info {};
+    if (fstat(fd, &info) != 0 || info.st_size > maximumFileSize)
+        return false;
+    char buffer[65536];
+    for (;;) {
+        const ssize_t got = ::read(fd, buffer, sizeof buffer);
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got < 0)
+            return false;
+        if (got == 0)
+            return true;
+        content.append(buffer, static_cast<std::size_t>(got));
+        if (content.size() > static_cast<std::size_t>(maximumFileSize))
+            return false;
+    }
+}
+
+bool writeAll(int fd, const std::string& content)
+{
+    std::size_t done = 0;
+    while (done < content.size()) {
+        const ssize_t wrote = ::write(fd, content.data() + done, content.size() - done);
+        if (wrote < 0 && errno == EINTR)
+            continue;
+        if (wrote <= 0)
+            return false;
+        done += static_cast<std::size_t>(wrote);
+    }
+    return true;
+}
+
+bool makeDirectories(const std::string& dir)
+{
+    for (std::size_t slash = dir.find('/', 1);; slash = dir.find('/', slash + 1)) {
+        const std::string prefix = dir.substr(0, slash);
+        if (::mkdir(prefix.c_str(), 0700) != 0 && errno != EEXIST)
+            return false;
+        if (slash == std::string::npos)
+            return true;
+    }
+}
+
+void syncDirectory(const std::string& dir)
+{
+    FileDescriptor fd(::open(dir.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (fd.isValid())
+        ::fsync(fd.get());
+}
+
+} // namespace
+
+SettingsFile::SettingsFile(std::string path)
+    : filePath(std::move(path))
+{}
+
+bool SettingsFile::load()
+{
+    lines.clear();
+    FileDescriptor fd(::open(filePath.c_str(), O_RDONLY | O_CLOEXEC));
+    if (!fd.isValid()) {
+        if (errno != ENOENT)
+            return false;
+        lines.emplace_back(header);
+        return true;
+    }
+    std::string content;
+    if (!readAll(fd.get(), content))
+        return false;
+    std::size_t start = 0;
+    while (start < content.size()) {
+        auto end = content.find('\n', start);
+        if (end == std::string::npos)
+            end = content.size();
+        std::string line = content.substr(start, end - start);
+        if (!line.empty() && line.back() == '\r')
+            line.pop_back();
+        lines.push_back(std::move(line));
+        start = end + 1;
+    }
+    return true;
+}
+
+bool SettingsFile::save() const
+{
+    const auto slash = filePath.rfind('/');
+    const std::string dir = slash == std::string::npos ? std::string(".") : filePath.substr(0, slash);
+    if (slash != std::string::npos && slash > 0 && !makeDirectories(dir))
+        return false;
+
+    std::string content;
+    for (const auto& line : lines)
+        content += line + '\n';
+
+    std::string temporary = filePath + ".XXXXXX";
+    FileDescriptor fd(::mkostemp(temporary.data(), O_CLOEXEC));
+    if (!fd.isValid())
+        return false;
+    const bool written = writeAll(fd.get(), content) && ::fsync(fd.get()) == 0 && fd.close();
+    if (!written || ::rename(temporary.c_str(), filePath.c_str()) != 0) {
+        ::unlink(temporary.c_str());
+        return false;
+    }
+    syncDirectory(dir);
+    return true;
+}
+
+std::optional<SettingsFile::Entry> SettingsFile::find(const std::wstring& name) const
+{
+    for (auto it = lines.rbegin(); it != lines.rend(); ++it) {
+        auto fields = split(*it);
+        if (fields && sameName(fields->name, name))
+            return Entry{fields->type, fields->payload};
+    }
+    return std::nullopt;
+}
+
+std::optional<std::uint32_t> SettingsFile::dword(const std::wstring& name) const
+{
+    const auto entry = find(name);
+    if (!entry || entry->type != "dword")
+        return std::nullopt;
+    return parseDword(entry->payload);
+}
+
+std::optional<std::wstring> SettingsFile::text(const std::wstring& name) const
+{
+    const auto entry = find(name);
+    if (!entry || entry->type != "sz")
+        return std::nullopt;
+    const auto raw = unescape(entry->payload);
+    if (!raw)
+        return std::nullopt;
+    return fromUtf8(*raw);
+}
+
+void SettingsFile::setDword(const std::wstring& name, std::uint32_t value)
+{
+    set(name, toUtf8(name) + "=dword:" + std::to_string(value));
+}
+
+void SettingsFile::setText(const std::wstring& name, const std::wstring& text)
+{
+    set(name, toUtf8(name) + "=sz:" + escape(toUtf8(text)));
+}
+
+void SettingsFile::set(const std::wstring& name, const std::string& line)
+{
+    for (auto it = lines.rbegin(); it != lines.rend(); ++it) {
+        const auto fields = split(*it);
+        if (fields && sameName(fields->name, name)) {
+            *it = line;
+            return;
+        }
+    }
+    lines.push_back(line);
+}
+
+} // namespace posix

@@ -1,0 +1,20 @@
+# Source lists of the platform layer, shared by the application build and the
+# Qt-free cross build of the Win32 backend's tests.
+set(TALLYROOT_PLATFORM_COMMON_SOURCES
+    ${CMAKE_CURRENT_LIST_DIR}/DebugLog.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/SettingsKey.cpp
+)
+set(TALLYROOT_PLATFORM_WIN32_SOURCES
+    ${CMAKE_CURRENT_LIST_DIR}/win32/Win32Folders.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/win32/Win32Registry.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/win32/Win32Screen.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/win32/Win32Settings.cpp
+)
+set(TALLYROOT_PLATFORM_WIN32_LIBRARIES advapi32 shell32 user32)
+set(TALLYROOT_PLATFORM_WIN32_DEFINITIONS UNICODE _UNICODE WIN32_LEAN_AND_MEAN NOMINMAX)
+set(TALLYROOT_PLATFORM_POSIX_SOURCES
+    ${CMAKE_CURRENT_LIST_DIR}/posix/PosixFolders.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/posix/PosixScreen.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/posix/PosixSettings.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/posix/SettingsFile.cpp
+)

@@ -1,0 +1,26 @@
+#include "../IsolatedSettings.h"
+
+#include <cstdlib>
+#include <ftw.h>
+#include <unistd.h>
+
+namespace {
+int removeEntry(const char* path, const struct stat*, int, FTW*)
+{
+    return ::remove(path);
+}
+} // namespace
+
+IsolatedSettings::IsolatedSettings()
+{
+    std::string pattern = "/tmp/tallyroot-settings-XXXXXX";
+    if (::mkdtemp(pattern.data()))
+        location = pattern;
+    ::setenv("XDG_CONFIG_HOME", location.c_str(), 1);
+}
+
+IsolatedSettings::~IsolatedSettings()
+{
+    if (!location.empty())
+        ::nftw(location.c_str(), &removeEntry, 16, FTW_DEPTH | FTW_PHYS);
+}

@@ -1,0 +1,182 @@
+// The Linux side of the platform layer: the settings file under bad input, and
+// the user folders from the XDG configuration.
+
+#include "IsolatedSettings.h"
+#include "UserFolders.h"
+#include "settings/SettingsStore.h"
+
+#include <QDir>
+#include <QFile>
+#include <QtTest>
+
+class TestPosixBackend : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init();
+    void damagedLinesReadAsMissingAndSurviveAWrite();
+    void garbageBytesGiveDefaultsAndLoseNoValue();
+    void numbersOutOfRangeOrStoredAsTextAreMissing();
+    void anUnreadableFileGivesDefaultsAndIsNotReplaced();
+    void anUnusableConfigFolderGivesDefaults();
+    void aWriteLeavesNoTemporaryFileBehind();
+    void userFoldersFollowTheXdgConfiguration();
+    void oneDriveComesFromTheEnvironmentOrTheHomeFolder();
+
+private:
+    static QString configHome() { return qEnvironmentVariable("XDG_CONFIG_HOME"); }
+    static QString settingsPath() { return configHome() + "/Tallyroot/Tallyroot.conf"; }
+    static void writeSettingsFile(const QByteArray& content);
+    static QByteArray settingsFileContent();
+
+    IsolatedSettings isolated;
+};
+
+void TestPosixBackend::init()
+{
+    QDir(configHome() + "/Tallyroot").removeRecursively();
+}
+
+void TestPosixBackend::writeSettingsFile(const QByteArray& content)
+{
+    QDir().mkpath(configHome() + "/Tallyroot");
+    QFile file(settingsPath());
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(content);
+}
+
+QByteArray TestPosixBackend::settingsFileContent()
+{
+    QFile file(settingsPath());
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+void TestPosixBackend::damagedLinesReadAsMissingAndSurviveAWrite()
+{
+    writeSettingsFile("posX=dword:40\n"
+                      "posY=dword:\n"
+                      "width=dword:12a\n"
+                      "RecentFile1=sz:bad escape \\q\n"
+                      "no equals sign here\n"
+                      "=dword:5\n"
+                      "# a comment\n"
+                      "height=dword:700\r\n");
+    QCOMPARE(SettingsStore::readDword("posX"), std::optional<quint32>(40));
+    QCOMPARE(SettingsStore::readDword("posY"), std::nullopt);
+    QCOMPARE(SettingsStore::readDword("width"), std::nullopt);
+    QCOMPARE(SettingsStore::readString("RecentFile1"), std::nullopt);
+    QCOMPARE(SettingsStore::readDword("height"), std::optional<quint32>(700));
+
+    QVERIFY(SettingsStore::writeString("RecentFile2", "/home/user/Music"));
+    const QByteArray after = settingsFileContent();
+    QVERIFY(after.contains("no equals sign here\n"));
+    QVERIFY(after.contains("RecentFile1=sz:bad escape \\q\n"));
+    QCOMPARE(SettingsStore::readDword("posX"), std::optional<quint32>(40));
+    QCOMPARE(SettingsStore::readString("RecentFile2"), std::optional<QString>("/home/user/Music"));
+
+    // Writing a damaged value replaces it.
+    QVERIFY(SettingsStore::writeDword("width", 1200));
+    QCOMPARE(SettingsStore::readDword("width"), std::optional<quint32>(1200));
+}
+
+void TestPosixBackend::garbageBytesGiveDefaultsAndLoseNoValue()
+{
+    QByteArray garbage;
+    for (int i = 0; i < 4096; ++i)
+        garbage.append(static_cast<char>((i * 7919) % 256));
+    writeSettingsFile(garbage + "\nposY=dword:77\n" + garbage);
+    QCOMPARE(SettingsStore::readDword("posX"), std::nullopt);
+    QCOMPARE(SettingsStore::readDword("posY"), std::optional<quint32>(77));
+
+    QVERIFY(SettingsStore::writeDword("posX", 5));
+    QCOMPARE(SettingsStore::readDword("posY"), std::optional<quint32>(77));
+    QVERIFY(settingsFileContent().contains(garbage));
+}
+
+void TestPosixBackend::numbersOutOfRangeOrStoredAsTextAreMissing()
+{
+    writeSettingsFile("posX=dword:4294967295\n"
+                      "posY=dword:4294967296\n"
+                      "width=dword:99999999999999999999999\n"
+                      "height=sz:600\n"
+                      "RecentFile1=dword:3\n");
+    QCOMPARE(SettingsStore::readDword("posX"), std::optional<quint32>(4294967295u));
+    QCOMPARE(SettingsStore::readDword("posY"), std::nullopt);
+    QCOMPARE(SettingsStore::readDword("width"), std::nullopt);
+    QCOMPARE(SettingsStore::readDword("height"), std::nullopt);
+    QCOMPARE(SettingsStore::readString("RecentFile1"), std::nullopt);
+}
+
+void TestPosixBackend::anUnreadableFileGivesDefaultsAndIsNotReplaced()
+{
+    // A directory where the file should be cannot be read, even by root.
+    QVERIFY(QDir().mkpath(settingsPath()));
+    QCOMPARE(SettingsStore::readDword("posX"), std::nullopt);
+    QVERIFY(!SettingsStore::writeDword("posX", 1));
+    QVERIFY(QFileInfo(settingsPath()).isDir());
+
+    // So can a file far larger than any settings this program writes.
+    QVERIFY(QDir(settingsPath()).removeRecursively());
+    writeSettingsFile("posX=dword:9\n" + QByteArray(17 * 1024 * 1024, '#'));
+    QCOMPARE(SettingsStore::readDword("posX"), std::nullopt);
+    QVERIFY(!SettingsStore::writeDword("posX", 1));
+    QCOMPARE(QFileInfo(settingsPath()).size(), 13 + 17 * 1024 * 1024);
+}
+
+void TestPosixBackend::anUnusableConfigFolderGivesDefaults()
+{
+    const QByteArray saved = qgetenv("XDG_CONFIG_HOME");
+    const QString blocker = configHome() + "/not-a-folder";
+    QFile file(blocker);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.close();
+    qputenv("XDG_CONFIG_HOME", blocker.toUtf8());
+    QCOMPARE(SettingsStore::readDword("posX"), std::nullopt);
+    QCOMPARE(SettingsStore::readString("RecentFile1"), std::nullopt);
+    QVERIFY(!SettingsStore::writeDword("posX", 1));
+    qputenv("XDG_CONFIG_HOME", saved);
+}
+
+void TestPosixBackend::aWriteLeavesNoTemporaryFileBehind()
+{
+    for (quint32 i = 0; i < 20; ++i)
+        QVERIFY(SettingsStore::writeDword(QStringLiteral("FileTypeData%1").arg(i), i));
+    const QStringList entries = QDir(configHome() + "/Tallyroot").entryList(QDir::Files);
+    QCOMPARE(entries, QStringList{"Tallyroot.conf"});
+    QCOMPARE(SettingsStore::readDword("FileTypeData19"), std::optional<quint32>(19));
+}
+
+void TestPosixBackend::userFoldersFollowTheXdgConfiguration()
+{
+    const QString home = QDir::homePath();
+    QFile dirs(configHome() + "/user-dirs.dirs");
+    QVERIFY(dirs.open(QIODevice::WriteOnly));
+    dirs.write("XDG_DOWNLOAD_DIR=\"$HOME/Fetched\"\nXDG_MUSIC_DIR=\"$HOME/Klänge\"\n");
+    dirs.close();
+
+    QCOMPARE(QString::fromStdWString(platform::downloadsFolderPath()), home + "/Fetched");
+    QCOMPARE(QString::fromStdWString(platform::specialFolderPath(platform::SpecialFolder::Music)),
+             home + QString::fromUtf8("/Klänge"));
+    QCOMPARE(QString::fromStdWString(platform::specialFolderPath(platform::SpecialFolder::Profile)),
+             home);
+    QVERIFY(!platform::windowsFolderPath().empty());
+    dirs.remove();
+}
+
+void TestPosixBackend::oneDriveComesFromTheEnvironmentOrTheHomeFolder()
+{
+    QTemporaryDir home;
+    const QByteArray savedHome = qgetenv("HOME");
+    qputenv("HOME", home.path().toUtf8());
+    qputenv("OneDrive", "/mnt/cloud/OneDrive");
+    QCOMPARE(SettingsStore::oneDrivePath(), QStringLiteral("/mnt/cloud/OneDrive"));
+
+    qunsetenv("OneDrive");
+    QCOMPARE(SettingsStore::oneDrivePath(), QString());
+    QVERIFY(QDir(home.path()).mkdir("OneDrive"));
+    QCOMPARE(SettingsStore::oneDrivePath(), home.path() + "/OneDrive");
+    qputenv("HOME", savedHome);
+}
+
+QTEST_GUILESS_MAIN(TestPosixBackend)
+#include "tst_posixbackend.moc"
