@@ -6,7 +6,8 @@
 
 #include <QLoggingCategory>
 
-Q_LOGGING_CATEGORY(lcPlatform, "tallyroot.platform")
+// Quiet unless asked for: QT_LOGGING_RULES="tallyroot.*.debug=true".
+Q_LOGGING_CATEGORY(lcPlatform, "tallyroot.platform", QtInfoMsg)
 
 namespace {
 
