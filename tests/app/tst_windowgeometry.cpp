@@ -24,8 +24,8 @@ void TestWindowGeometry::restore_data()
     QTest::newRow("first start") << Stored{} << 1920u << 1017u << L{100, 100, 986, 513};
     QTest::newRow("first start on a small screen")
         << Stored{} << 800u << 600u << L{100, 100, 986, 513};
-    QTest::newRow("fits as stored") << Stored{40, 50, 1200, 700} << 1920u << 1017u
-                                    << L{40, 50, 1200, 700};
+    QTest::newRow("fits as stored")
+        << Stored{40, 50, 1200, 700} << 1920u << 1017u << L{40, 50, 1200, 700};
     QTest::newRow("too small grows without moving")
         << Stored{1500, 900, 500, 300} << 1920u << 1017u << L{1500, 900, 986, 513};
     QTest::newRow("right edge pulls x back")

@@ -1,9 +1,9 @@
 // The same cases run against each settings backend: the settings file on Linux,
 // the registry under Wine.
 
+#include "SettingsBackend.h"
 #include "IsolatedSettings.h"
 #include "MiniTest.h"
-#include "SettingsBackend.h"
 
 #include <string>
 
@@ -77,10 +77,11 @@ TEST_CASE(valueNamesIgnoreCase)
 
 TEST_CASE(staleValuesStay)
 {
+    const auto folder = [](int i) { return L"ExludeFolder" + std::to_wstring(i); };
     for (int i = 0; i < 5; ++i)
-        CHECK(writeStringValue(L"ExludeFolder" + std::to_wstring(i), L"1;old" + std::to_wstring(i)));
+        CHECK(writeStringValue(folder(i), L"1;old" + std::to_wstring(i)));
     for (int i = 0; i < 3; ++i)
-        CHECK(writeStringValue(L"ExludeFolder" + std::to_wstring(i), L"1;new" + std::to_wstring(i)));
+        CHECK(writeStringValue(folder(i), L"1;new" + std::to_wstring(i)));
 
     std::wstring text;
     CHECK(readStringValue(L"ExludeFolder1", text));

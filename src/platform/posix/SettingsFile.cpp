@@ -15,7 +15,8 @@ namespace {
 
 // Larger files are not settings this program wrote; they read as unreadable.
 constexpr off_t maximumFileSize = 16 * 1024 * 1024;
-constexpr const char* header = "# Tallyroot settings: one value a line, name=dword:number or name=sz:text";
+constexpr const char* header =
+    "# Tallyroot settings: one value a line, name=dword:number or name=sz:text";
 
 std::string toUtf8(const std::wstring& text)
 {
@@ -206,7 +207,8 @@ bool SettingsFile::load()
 bool SettingsFile::save() const
 {
     const auto slash = filePath.rfind('/');
-    const std::string dir = slash == std::string::npos ? std::string(".") : filePath.substr(0, slash);
+    const std::string dir =
+        slash == std::string::npos ? std::string(".") : filePath.substr(0, slash);
     if (slash != std::string::npos && slash > 0 && !makeDirectories(dir))
         return false;
 

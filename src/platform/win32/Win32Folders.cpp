@@ -43,7 +43,8 @@ std::wstring downloadsFolderPath()
 {
     std::wstring path;
     (void)win32::readStringValue(
-        HKEY_CURRENT_USER, L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\User Shell Folders",
+        HKEY_CURRENT_USER,
+        L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\User Shell Folders",
         L"{374DE290-123F-4565-9164-39C4925E467B}", path);
     return path;
 }

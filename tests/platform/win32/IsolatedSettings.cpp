@@ -6,8 +6,7 @@
 
 IsolatedSettings::IsolatedSettings()
 {
-    const std::wstring key =
-        L"Software\\TallyrootTests\\" + std::to_wstring(GetCurrentProcessId());
+    const std::wstring key = L"Software\\TallyrootTests\\" + std::to_wstring(GetCurrentProcessId());
     platform::setSettingsKey(key);
 }
 

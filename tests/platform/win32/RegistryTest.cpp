@@ -109,7 +109,8 @@ TEST_CASE(helpersWriteTheirDebugLines)
     platform::setDebugSink(nullptr);
     CHECK(logged().size() == 3);
     if (logged().size() == 3) {
-        CHECK(logged()[0] == platform::settingsKey() + L" : missing : Cannot read DWORD from registry.");
+        CHECK(logged()[0] ==
+              platform::settingsKey() + L" : missing : Cannot read DWORD from registry.");
         CHECK(logged()[1] == L"true");
         CHECK(logged()[2] == L"error");
     }
