@@ -8,3 +8,5 @@ cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
 cmake --build build
 cd build
 ctest --output-on-failure --timeout 600
+cd ..
+scripts/test-windows.sh

@@ -54,5 +54,5 @@ void TestImages::windowIconHoldsEverySize()
         QVERIFY2(sizes.contains(QSize(size, size)), qPrintable(QString::number(size)));
 }
 
-QTEST_GUILESS_MAIN(TestImages)
+QTEST_MAIN(TestImages)
 #include "tst_images.moc"

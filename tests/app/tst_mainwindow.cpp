@@ -46,7 +46,13 @@ void TestMainWindow::closeSavesTheGeometryAndRestartRestoresIt()
 
     const auto screen = platform::fullScreenClientSize();
     if (screen.width < 1130 || screen.height < 560)
-        QSKIP("the screen is too small to hold the chosen geometry unchanged");
+        QSKIP(qPrintable(QStringLiteral("the full-screen area %1x%2 cannot hold %3x%4 at (%5, %6)")
+                             .arg(screen.width)
+                             .arg(screen.height)
+                             .arg(chosen.width())
+                             .arg(chosen.height())
+                             .arg(chosen.x())
+                             .arg(chosen.y())));
     MainWindow restarted;
     QCOMPARE(restarted.geometry(), chosen);
 }
