@@ -5,6 +5,8 @@ set(TALLYROOT_PLATFORM_COMMON_SOURCES
     ${CMAKE_CURRENT_LIST_DIR}/SettingsKey.cpp
 )
 set(TALLYROOT_PLATFORM_WIN32_SOURCES
+    ${CMAKE_CURRENT_LIST_DIR}/win32/Win32DirectoryListing.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/win32/Win32FileTime.cpp
     ${CMAKE_CURRENT_LIST_DIR}/win32/Win32Folders.cpp
     ${CMAKE_CURRENT_LIST_DIR}/win32/Win32Registry.cpp
     ${CMAKE_CURRENT_LIST_DIR}/win32/Win32Screen.cpp
@@ -12,9 +14,18 @@ set(TALLYROOT_PLATFORM_WIN32_SOURCES
 )
 set(TALLYROOT_PLATFORM_WIN32_LIBRARIES advapi32 shell32 user32)
 set(TALLYROOT_PLATFORM_WIN32_DEFINITIONS UNICODE _UNICODE WIN32_LEAN_AND_MEAN NOMINMAX)
+# The Qt side of the Win32 backend, for the Windows build of the program.
+set(TALLYROOT_PLATFORM_WIN32_QT_SOURCES
+    ${CMAKE_CURRENT_LIST_DIR}/win32/qt/NativeText.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/win32/qt/Win32ShellIcons.cpp
+)
 set(TALLYROOT_PLATFORM_POSIX_SOURCES
+    ${CMAKE_CURRENT_LIST_DIR}/posix/NativeText.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/posix/PosixDirectoryListing.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/posix/PosixFileTime.cpp
     ${CMAKE_CURRENT_LIST_DIR}/posix/PosixFolders.cpp
     ${CMAKE_CURRENT_LIST_DIR}/posix/PosixScreen.cpp
     ${CMAKE_CURRENT_LIST_DIR}/posix/PosixSettings.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/posix/PosixShellIcons.cpp
     ${CMAKE_CURRENT_LIST_DIR}/posix/SettingsFile.cpp
 )

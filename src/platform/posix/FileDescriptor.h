@@ -30,6 +30,8 @@ public:
 
     [[nodiscard]] int get() const { return fd; }
     [[nodiscard]] bool isValid() const { return fd >= 0; }
+    // Gives up ownership without closing.
+    [[nodiscard]] int release() { return std::exchange(fd, -1); }
     // Closes now and reports whether the close succeeded (it can fail on write-back).
     bool close() { return ::close(std::exchange(fd, -1)) == 0; }
 

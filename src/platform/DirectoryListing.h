@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+namespace platform {
+
+// File names as the operating system gives them: UTF-16 on Windows, bytes on
+// Linux (which need not be valid UTF-8).
+#ifdef _WIN32
+using NativeString = std::wstring;
+#else
+using NativeString = std::string;
+#endif
+
+struct DirectoryEntry {
+    NativeString name;
+    std::uint64_t size = 0; // bytes; 0 for a folder
+    // 100-nanosecond ticks since 1601-01-01 UTC, as Windows keeps file times.
+    std::uint64_t lastAccessTime = 0;
+    bool isDirectory = false;
+};
+
+// One folder being listed. Entries come in file-system order, "." and ".."
+// left out. A folder that cannot be listed is simply not open.
+class DirectoryListing {
+public:
+    DirectoryListing();
+    ~DirectoryListing();
+    DirectoryListing(DirectoryListing&&) noexcept;
+    DirectoryListing& operator=(DirectoryListing&&) noexcept;
+
+    // The folder at a path as the user gave it.
+    [[nodiscard]] static DirectoryListing open(const NativeString& path);
+    // A folder met in this listing, opened relative to this one. Links are
+    // never followed, and on Linux a folder of another file system is not
+    // opened (it is shown, but not entered).
+    [[nodiscard]] DirectoryListing openChild(const NativeString& name) const;
+
+    [[nodiscard]] bool isOpen() const;
+    // False at the end of the listing, or when reading failed.
+    bool next(DirectoryEntry& entry);
+
+private:
+    struct State;
+    std::unique_ptr<State> state;
+};
+
+} // namespace platform

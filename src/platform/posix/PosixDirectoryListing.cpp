@@ -1,0 +1,122 @@
+#include "../DirectoryListing.h"
+
+#include "FileDescriptor.h"
+
+#include <cstring>
+#include <dirent.h>
+#include <fcntl.h>
+#include <mutex>
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+namespace platform {
+
+namespace {
+
+// Seconds from 1601-01-01 to 1970-01-01.
+constexpr std::int64_t windowsEpochOffset = 11644473600;
+
+std::uint64_t fileTimeOf(const timespec& time)
+{
+    const std::int64_t seconds = time.tv_sec + windowsEpochOffset;
+    if (seconds < 0)
+        return 0;
+    return static_cast<std::uint64_t>(seconds) * 10000000u +
+           static_cast<std::uint64_t>(time.tv_nsec) / 100u;
+}
+
+// A walk holds one open folder per level; let a deep tree use every
+// descriptor the system allows this process.
+void raiseDescriptorLimit()
+{
+    static std::once_flag once;
+    std::call_once(once, [] {
+        rlimit limit{};
+        if (getrlimit(RLIMIT_NOFILE, &limit) == 0 && limit.rlim_cur < limit.rlim_max) {
+            limit.rlim_cur = limit.rlim_max;
+            setrlimit(RLIMIT_NOFILE, &limit);
+        }
+    });
+}
+
+struct DirCloser {
+    void operator()(DIR* dir) const { closedir(dir); }
+};
+
+} // namespace
+
+struct DirectoryListing::State {
+    std::unique_ptr<DIR, DirCloser> dir;
+    int fd = -1; // owned by dir
+    dev_t device = 0;
+
+    // Takes over an open folder descriptor; refuses one of another file system
+    // when a device is given.
+    static std::unique_ptr<State> adopt(posix::FileDescriptor fd, const dev_t* device)
+    {
+        struct stat info {};
+        if (!fd.isValid() || fstat(fd.get(), &info) != 0 || (device && info.st_dev != *device))
+            return nullptr;
+        DIR* dir = fdopendir(fd.get());
+        if (!dir)
+            return nullptr;
+        auto state = std::make_unique<State>();
+        state->fd = fd.release();
+        state->dir.reset(dir);
+        state->device = info.st_dev;
+        return state;
+    }
+};
+
+DirectoryListing::DirectoryListing() = default;
+DirectoryListing::~DirectoryListing() = default;
+DirectoryListing::DirectoryListing(DirectoryListing&&) noexcept = default;
+DirectoryListing& DirectoryListing::operator=(DirectoryListing&&) noexcept = default;
+
+DirectoryListing DirectoryListing::open(const NativeString& path)
+{
+    raiseDescriptorLimit();
+    DirectoryListing listing;
+    listing.state = State::adopt(
+        posix::FileDescriptor(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)), nullptr);
+    return listing;
+}
+
+DirectoryListing DirectoryListing::openChild(const NativeString& name) const
+{
+    DirectoryListing listing;
+    if (state) {
+        const int flags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
+        listing.state = State::adopt(
+            posix::FileDescriptor(::openat(state->fd, name.c_str(), flags)), &state->device);
+    }
+    return listing;
+}
+
+bool DirectoryListing::isOpen() const
+{
+    return state != nullptr;
+}
+
+bool DirectoryListing::next(DirectoryEntry& entry)
+{
+    if (!state)
+        return false;
+    while (const dirent* found = readdir(state->dir.get())) {
+        const char* name = found->d_name;
+        if (std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0)
+            continue;
+        struct stat info {};
+        // An entry that vanished since the folder was read is not there any more.
+        if (fstatat(state->fd, name, &info, AT_SYMLINK_NOFOLLOW) != 0)
+            continue;
+        entry.name.assign(name);
+        entry.isDirectory = S_ISDIR(info.st_mode);
+        entry.size = entry.isDirectory ? 0 : static_cast<std::uint64_t>(info.st_size);
+        entry.lastAccessTime = fileTimeOf(info.st_atim);
+        return true;
+    }
+    return false;
+}
+
+} // namespace platform

@@ -1,0 +1,12 @@
+#include "../ShellIcons.h"
+
+#include <QFileIconProvider>
+
+namespace platform {
+
+QIcon folderIcon()
+{
+    return QFileIconProvider().icon(QFileIconProvider::Folder);
+}
+
+} // namespace platform

@@ -1,0 +1,92 @@
+#include "../DirectoryListing.h"
+
+#include "FindHandle.h"
+
+#include <windows.h>
+
+namespace platform {
+
+struct DirectoryListing::State {
+    std::wstring path;
+    win32::FindHandle find;
+    WIN32_FIND_DATAW data{};
+    bool pending = false; // data holds FindFirstFileW's entry, not yet returned
+};
+
+namespace {
+
+bool isDotOrDotDot(const wchar_t* name)
+{
+    return (name[0] == L'.' && name[1] == L'\0') ||
+           (name[0] == L'.' && name[1] == L'.' && name[2] == L'\0');
+}
+
+// Past MAX_PATH a drive path only lists in its extended form, which takes no
+// forward slashes and no doubled separators.
+std::wstring searchPattern(const std::wstring& path)
+{
+    std::wstring pattern = path + L"\\*";
+    const bool drivePath = path.size() >= 2 && path[1] == L':';
+    if (pattern.size() < MAX_PATH || !drivePath)
+        return pattern;
+    std::wstring extended = L"\\\\?\\";
+    for (wchar_t c : pattern) {
+        if (c == L'/')
+            c = L'\\';
+        if (c != L'\\' || extended.back() != L'\\')
+            extended += c;
+    }
+    return extended;
+}
+
+} // namespace
+
+DirectoryListing::DirectoryListing() = default;
+DirectoryListing::~DirectoryListing() = default;
+DirectoryListing::DirectoryListing(DirectoryListing&&) noexcept = default;
+DirectoryListing& DirectoryListing::operator=(DirectoryListing&&) noexcept = default;
+
+DirectoryListing DirectoryListing::open(const NativeString& path)
+{
+    auto state = std::make_unique<State>();
+    state->path = path;
+    state->find = win32::FindHandle(FindFirstFileW(searchPattern(path).c_str(), &state->data));
+    DirectoryListing listing;
+    if (state->find.isValid()) {
+        state->pending = true;
+        listing.state = std::move(state);
+    }
+    return listing;
+}
+
+DirectoryListing DirectoryListing::openChild(const NativeString& name) const
+{
+    return state ? open(state->path + L"\\" + name) : DirectoryListing();
+}
+
+bool DirectoryListing::isOpen() const
+{
+    return state != nullptr;
+}
+
+bool DirectoryListing::next(DirectoryEntry& entry)
+{
+    if (!state)
+        return false;
+    for (;;) {
+        if (!state->pending && !FindNextFileW(state->find.get(), &state->data))
+            return false;
+        state->pending = false;
+        const WIN32_FIND_DATAW& data = state->data;
+        if (isDotOrDotDot(data.cFileName))
+            continue;
+        entry.name.assign(data.cFileName);
+        entry.isDirectory = (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+        entry.size = (std::uint64_t{data.nFileSizeHigh} << 32) + data.nFileSizeLow;
+        entry.lastAccessTime = (std::uint64_t{data.ftLastAccessTime.dwHighDateTime} << 32) +
+                               data.ftLastAccessTime.dwLowDateTime;
+        return true;
+    }
+}
+
+} // namespace platform

@@ -1,0 +1,22 @@
+#include "../../NativeText.h"
+
+namespace platform {
+
+QString toQString(const NativeString& text)
+{
+    return QString::fromStdWString(text);
+}
+
+NativeString toNative(const QString& text)
+{
+    return text.toStdWString();
+}
+
+// Always one backslash, even after a folder that ends in a separator: the file
+// system reads "C:\\Windows" and "C:/\Windows" alike.
+QString childPath(const QString& folder, const QString& name)
+{
+    return folder + '\\' + name;
+}
+
+} // namespace platform

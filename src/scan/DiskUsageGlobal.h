@@ -1,0 +1,98 @@
+#pragma once
+
+#include <QList>
+#include <QMetaType>
+#include <QString>
+
+// The records one scan produces, and the helpers every consumer shares.
+namespace DiskUsageGlobal {
+
+// One of the biggest files of a scan. Consumers derive the name, size text and
+// time text from filePath, size and lastAccessTime.
+struct TFileInfo {
+    QString fileName;
+    QString sizeText;
+    QString filePath;
+    quint64 size = 0;
+    quint64 lastAccessTime = 0; // FILETIME ticks
+};
+
+// One file of an enabled file-type category.
+struct TMainDataFile {
+    QString fileName;
+    QString sizeText;
+    QString lastAccessText;
+    QString filePath; // the folder holding the file, "/"-separated
+    qint64 size = 0;
+    qint32 index = 0;
+};
+
+// One of a folder's largest children; also how a finished subfolder reports
+// itself to its parent.
+struct TMaxDataItem {
+    enum Kind : qint32 { File = 0, Folder = 1 };
+    QString name;
+    qint64 size = 0;
+    qint32 kind = File;
+};
+
+constexpr qsizetype biggestFilesLimit = 20;
+constexpr qsizetype dataFilesLimit = 20;
+constexpr qsizetype childSummaryLimit = 10;
+
+inline const QString lowPriority = QStringLiteral("Low Priority");
+inline const QString belowNormalPriority = QStringLiteral("Below Normal Priority");
+inline const QString normalPriority = QStringLiteral("Normal Priority");
+inline const QString aboveNormalPriority = QStringLiteral("Above Normal Priority");
+inline const QString highPriority = QStringLiteral("High Priority");
+inline const QString realTimePriority = QStringLiteral("Real Time Priority");
+
+inline const QString audioFiles = QStringLiteral("Audio Files");
+inline const QString backupFiles = QStringLiteral("Backup Files");
+inline const QString compressedFiles = QStringLiteral("Compressed Files");
+inline const QString diskImageFiles = QStringLiteral("Disk Image Files");
+inline const QString documentFiles = QStringLiteral("Document Files");
+inline const QString fontFiles = QStringLiteral("Font Files");
+inline const QString installerFiles = QStringLiteral("Installer and Executable Files");
+inline const QString otherFileTypes = QStringLiteral("Other file types");
+inline const QString rasterImageFiles = QStringLiteral("Raster Image Files");
+inline const QString vectorImageFiles = QStringLiteral("Vector Image Files");
+inline const QString videoFiles = QStringLiteral("Video Files");
+inline const QString webFiles = QStringLiteral("Web Files");
+inline const QString imageFiles3d = QStringLiteral("3D Image Files");
+
+// Bytes as " GB", " MB" or " KB" with two decimals, in binary multiples; there
+// is no byte unit, so 512 bytes read "0.50 KB".
+[[nodiscard]] QString sizeText(double bytes);
+// A file time in Qt's text date form. The UTC fields are shown as they are,
+// without a shift to the local zone. Empty when the time cannot be expressed.
+[[nodiscard]] QString lastAccessText(quint64 fileTime);
+// "." followed by everything after the first dot of the name; "." without one.
+[[nodiscard]] QString extensionKey(const QString& fileName);
+// name:size:kind; for each entry, then the folder's number of child rows.
+[[nodiscard]] QString childSummary(const QList<TMaxDataItem>& ranked, int childRows);
+
+// Keeps the `limit` largest entries, largest first: a new entry goes before the
+// first strictly smaller one, so ties keep the earlier entry in front. The
+// entry is made only when it will be kept. True when it was kept.
+template <typename Entry, typename Size, typename Make>
+bool offerRanked(QList<Entry>& list, Size size, qsizetype limit, Make&& make)
+{
+    if (list.size() >= limit && !(list.constLast().size < size))
+        return false;
+    qsizetype position = 0;
+    while (position < list.size() && !(list.at(position).size < size))
+        ++position;
+    list.insert(position, make());
+    if (list.size() > limit)
+        list.removeLast();
+    return true;
+}
+
+// Lets the lists travel as arguments of queued signals.
+void registerMetaTypes();
+
+} // namespace DiskUsageGlobal
+
+Q_DECLARE_METATYPE(DiskUsageGlobal::TFileInfo)
+Q_DECLARE_METATYPE(DiskUsageGlobal::TMainDataFile)
