@@ -130,8 +130,7 @@ int DiskUsageWorkerThread::countRootSubfolders() const
 std::array<QStandardItem*, 9> DiskUsageWorkerThread::walk(Totals& result)
 {
     std::vector<Folder> stack;
-    stack.push_back(
-        enter(platform::DirectoryListing::open(platform::toNative(scanPath)), scanPath, 0));
+    stack.push_back(enter(nullptr, {}, scanPath, 0));
     std::copy(targets.rootRow->cbegin(), targets.rootRow->cend(), stack.back().cells.begin());
 
     platform::DirectoryEntry entry;
@@ -157,7 +156,8 @@ std::array<QStandardItem*, 9> DiskUsageWorkerThread::walk(Totals& result)
     Q_UNREACHABLE();
 }
 
-DiskUsageWorkerThread::Folder DiskUsageWorkerThread::enter(platform::DirectoryListing listing,
+DiskUsageWorkerThread::Folder DiskUsageWorkerThread::enter(const platform::DirectoryListing* parent,
+                                                           const platform::NativeString& name,
                                                            QString path, int depth)
 {
     if (depth == 1) {
@@ -165,7 +165,8 @@ DiskUsageWorkerThread::Folder DiskUsageWorkerThread::enter(platform::DirectoryLi
         emit updateScanProgress();
     }
     Folder folder;
-    folder.listing = std::move(listing);
+    folder.listing = parent ? parent->openChild(name)
+                            : platform::DirectoryListing::open(platform::toNative(path));
     folder.path = std::move(path);
     folder.depth = depth;
     return folder;
@@ -190,7 +191,7 @@ void DiskUsageWorkerThread::addEntry(std::vector<Folder>& stack, platform::Direc
         folder.finishedSubfolders.append({name, 0, TMaxDataItem::Folder});
         return;
     }
-    Folder child = enter(folder.listing.openChild(entry.name), std::move(path), folder.depth + 1);
+    Folder child = enter(&folder.listing, entry.name, std::move(path), folder.depth + 1);
     child.name = std::move(name);
     child.cells = cells;
     stack.push_back(std::move(child)); // invalidates `folder`

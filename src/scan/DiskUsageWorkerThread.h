@@ -12,10 +12,7 @@
 #include <optional>
 #include <vector>
 
-namespace platform {
-struct DirectoryEntry;
-class DirectoryListing;
-} // namespace platform
+#include "platform/DirectoryListing.h"
 
 // Walks one folder tree on its own thread: builds the folder rows, keeps the
 // biggest files and each category's biggest files, prepares the report, and
@@ -55,7 +52,9 @@ private:
     [[nodiscard]] int countRootSubfolders() const;
     // Walks the tree below the root row; returns the root row's nine cells.
     [[nodiscard]] std::array<QStandardItem*, 9> walk(Totals& result);
-    [[nodiscard]] Folder enter(platform::DirectoryListing listing, QString path, int depth);
+    // Starts a folder: the root when there is no parent listing.
+    [[nodiscard]] Folder enter(const platform::DirectoryListing* parent,
+                               const platform::NativeString& name, QString path, int depth);
     void addEntry(std::vector<Folder>& stack, platform::DirectoryEntry& entry);
     void addFile(Folder& folder, const platform::DirectoryEntry& entry);
     void addDataFile(const QString& folderPath, const platform::DirectoryEntry& entry);

@@ -11,6 +11,9 @@ public:
     IsolatedSettings(const IsolatedSettings&) = delete;
     IsolatedSettings& operator=(const IsolatedSettings&) = delete;
 
+    // Removes every stored value.
+    void clear();
+
 private:
     std::string location;
 };

@@ -19,6 +19,12 @@ IsolatedSettings::IsolatedSettings()
     ::setenv("XDG_CONFIG_HOME", location.c_str(), 1);
 }
 
+void IsolatedSettings::clear()
+{
+    const std::string folder = location + "/Tallyroot";
+    ::nftw(folder.c_str(), &removeEntry, 16, FTW_DEPTH | FTW_PHYS);
+}
+
 IsolatedSettings::~IsolatedSettings()
 {
     if (!location.empty())

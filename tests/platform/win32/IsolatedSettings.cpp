@@ -10,8 +10,13 @@ IsolatedSettings::IsolatedSettings()
     platform::setSettingsKey(key);
 }
 
-IsolatedSettings::~IsolatedSettings()
+void IsolatedSettings::clear()
 {
     RegDeleteTreeW(HKEY_CURRENT_USER, platform::settingsKey().c_str());
+}
+
+IsolatedSettings::~IsolatedSettings()
+{
+    clear();
     platform::setSettingsKey(L"Software\\Tallyroot");
 }

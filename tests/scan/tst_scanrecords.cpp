@@ -1,0 +1,263 @@
+#include "IsolatedSettings.h"
+#include "platform/NativeText.h"
+#include "scan/CategoryMatcher.h"
+#include "scan/DiskUsageGlobal.h"
+#include "settings/ExclusionSettings.h"
+#include "settings/FileTypeCatalogue.h"
+#include "settings/SettingsStore.h"
+
+#include <QtTest>
+
+using namespace DiskUsageGlobal;
+
+class TestScanRecords : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init();
+    void sizeText_data();
+    void sizeText();
+    void lastAccessTextShowsTheUtcFields();
+    void extensionKeyIsTheCompleteSuffix();
+    void rankedInsertionKeepsTheLargest();
+    void rankedInsertionMakesOnlyWhatItKeeps();
+    void childSummaryIsNotEscaped();
+    void matcher_data();
+    void matcher();
+    void matcherCountsACategoryOnce();
+    void defaultCatalogue();
+    void storedCategory_data();
+    void storedCategory();
+    void catalogueLoadsWhatTheCountSays();
+    void exclusionsLoadFromTheirNumberedValues();
+
+private:
+    IsolatedSettings isolated;
+};
+
+void TestScanRecords::init()
+{
+    isolated.clear();
+}
+
+void TestScanRecords::sizeText_data()
+{
+    QTest::addColumn<double>("bytes");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("empty") << 0.0 << "0.00 KB";
+    QTest::newRow("half a KiB") << 512.0 << "0.50 KB";
+    QTest::newRow("just under a MiB") << 1048575.0 << "1024.00 KB";
+    QTest::newRow("a MiB") << 1048576.0 << "1.00 MB";
+    QTest::newRow("just under a GiB") << 1073741823.0 << "1024.00 MB";
+    QTest::newRow("a GiB") << 1073741824.0 << "1.00 GB";
+    QTest::newRow("terabytes stay in GB") << 5e12 << "4656.61 GB";
+}
+
+void TestScanRecords::sizeText()
+{
+    QFETCH(double, bytes);
+    QFETCH(QString, text);
+    QCOMPARE(DiskUsageGlobal::sizeText(bytes), text);
+}
+
+void TestScanRecords::lastAccessTextShowsTheUtcFields()
+{
+    // 2026-11-16 03:04:41 UTC, shown with no shift to the local zone.
+    QCOMPARE(lastAccessText(134392718810000000ull), QStringLiteral("Mon Nov 16 03:04:41 2026"));
+    QCOMPARE(lastAccessText(0x8000000000000000ull), QString());
+}
+
+void TestScanRecords::extensionKeyIsTheCompleteSuffix()
+{
+    QCOMPARE(extensionKey("report.pdf"), QStringLiteral(".pdf"));
+    QCOMPARE(extensionKey("backup.tar.gz"), QStringLiteral(".tar.gz"));
+    QCOMPARE(extensionKey("my.notes.txt"), QStringLiteral(".notes.txt"));
+    QCOMPARE(extensionKey("README"), QStringLiteral("."));
+    QCOMPARE(extensionKey(".bashrc"), QStringLiteral(".bashrc"));
+}
+
+void TestScanRecords::rankedInsertionKeepsTheLargest()
+{
+    QList<TMaxDataItem> list;
+    const auto offer = [&list](const QString& name, qint64 size) {
+        return offerRanked(list, size, 3, [&] { return TMaxDataItem{name, size}; });
+    };
+    QVERIFY(offer("a", 5));
+    QVERIFY(offer("b", 9));
+    QVERIFY(offer("c", 5)); // a tie goes behind the earlier entry
+    QVERIFY(!offer("d", 5)); // full, and nothing smaller
+    QVERIFY(offer("e", 7));
+    QStringList names;
+    for (const auto& item : list)
+        names << item.name;
+    QCOMPARE(names, (QStringList{"b", "e", "a"}));
+
+    QList<TFileInfo> files;
+    for (int i = 0; i < 21; ++i) {
+        offerRanked(files, quint64(100), biggestFilesLimit,
+                    [i] { return TFileInfo{{}, {}, QString::number(i), 100, 0}; });
+    }
+    QCOMPARE(files.size(), 20);
+    QCOMPARE(files.first().filePath, QStringLiteral("0"));
+    QCOMPARE(files.last().filePath, QStringLiteral("19"));
+}
+
+void TestScanRecords::rankedInsertionMakesOnlyWhatItKeeps()
+{
+    QList<TMaxDataItem> list;
+    int made = 0;
+    for (qint64 size : {1, 2, 3, 1, 1})
+        offerRanked(list, size, 2, [&] { return ++made, TMaxDataItem{{}, size}; });
+    QCOMPARE(made, 3);
+}
+
+void TestScanRecords::childSummaryIsNotEscaped()
+{
+    const QList<TMaxDataItem> ranked{{"a.iso", 5000, TMaxDataItem::File},
+                                     {"Music", 3000, TMaxDataItem::Folder},
+                                     {"odd:name;x", 7, TMaxDataItem::File}};
+    QCOMPARE(childSummary(ranked, 1), QStringLiteral("a.iso:5000:0;Music:3000:1;odd:name;x:7:0;1"));
+    QCOMPARE(childSummary({}, 0), QStringLiteral("0"));
+}
+
+void TestScanRecords::matcher_data()
+{
+    QTest::addColumn<QString>("fileName");
+    QTest::addColumn<QList<int>>("categories");
+    using L = QList<int>;
+    QTest::newRow("plain") << "report.pdf" << L{5};
+    QTest::newRow("upper case") << "PHOTO.JPG" << L{8};
+    QTest::newRow("two-part key") << "ARCHIVE.TAR.GZ" << L{3};
+    QTest::newRow("only the complete suffix counts") << "photo.backup.jpg" << L{};
+    QTest::newRow("a.b.zip is not .zip") << "a.b.zip" << L{};
+    QTest::newRow("no dot") << "Makefile" << L{};
+    QTest::newRow("ogv stands with audio") << "clip.ogv" << L{1};
+    QTest::newRow("non-ASCII name, ASCII key") << "\u00fcbung.Mp3" << L{1};
+    QTest::newRow("non-ASCII key") << "x.\u00e4bc" << L{12};
+    QTest::newRow("non-ASCII key, other case") << "x.\u00c4BC" << L{12};
+}
+
+void TestScanRecords::matcher()
+{
+    QFETCH(QString, fileName);
+    QFETCH(QList<int>, categories);
+    QList<FileTypeCategory> catalogue;
+    FileTypeCatalogue::fillDefaults(catalogue);
+    catalogue.append({"Custom", {QString::fromUtf8(".\u00e4bc")}, true, 0, 0});
+    const CategoryMatcher matcher(catalogue);
+
+    // Both ways in: the native name the walk has, and a QString.
+    for (const CategoryMatcher::Indexes* found :
+         {matcher.match(platform::toNative(fileName)), matcher.match(fileName)})
+        QCOMPARE(found ? *found : QList<int>{}, categories);
+}
+
+void TestScanRecords::matcherCountsACategoryOnce()
+{
+    QList<FileTypeCategory> catalogue{{"A", {".x", ".X", ".y"}, true, 0, 0},
+                                      {"Off", {".x"}, false, 0, 0},
+                                      {"B", {".y", ".x"}, true, 0, 0}};
+    const CategoryMatcher matcher(catalogue);
+    QCOMPARE(*matcher.match(QStringLiteral("f.x")), (QList<int>{0, 2}));
+}
+
+void TestScanRecords::defaultCatalogue()
+{
+    QList<FileTypeCategory> catalogue{{"stale", {}, false, 0, 0}};
+    FileTypeCatalogue::fillDefaults(catalogue);
+    QCOMPARE(catalogue.size(), 12);
+    QCOMPARE(catalogue.first().name, imageFiles3d);
+    QCOMPARE(catalogue.last().name, webFiles);
+    for (const auto& category : catalogue)
+        QVERIFY(category.checked);
+    QCOMPARE(FileTypeCatalogue::storedText(catalogue[6]),
+             QStringLiteral("1;Font Files (.fnt, .fon, .otf, .ttf)"));
+    QCOMPARE(catalogue[7].extensions.last(), QStringLiteral(".appx"));
+}
+
+void TestScanRecords::storedCategory_data()
+{
+    QTest::addColumn<QString>("stored");
+    QTest::addColumn<bool>("appended");
+    QTest::addColumn<bool>("checked");
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QStringList>("extensions");
+    QTest::newRow("unchecked") << "0;Video Files (.avi)" << true << false << "Video Files"
+                               << QStringList{".avi"};
+    QTest::newRow("any other flag is checked")
+        << "x;Video Files (.avi)" << true << true << "Video Files" << QStringList{".avi"};
+    QTest::newRow("no extensions") << "1;Font Files ()" << true << true << "Font Files"
+                                   << QStringList{};
+    QTest::newRow("trimmed") << "1;Font Files (.fnt,.fon )" << true << true << "Font Files"
+                             << QStringList{".fnt", ".fon"};
+    QTest::newRow("as displayed") << "1;Web Files (.htm, .html, .js)" << true << true
+                                  << "Web Files" << QStringList{".htm", ".html", ".js"};
+    QTest::newRow("no parenthesis") << "1;Loose .a" << true << true << "Loose .a"
+                                    << QStringList{"Loose ."};
+    QTest::newRow("leading semicolon") << ";Font Files (.fnt)" << false << false << ""
+                                       << QStringList{};
+    QTest::newRow("no semicolon") << "Font Files (.fnt)" << false << false << "" << QStringList{};
+}
+
+void TestScanRecords::storedCategory()
+{
+    QFETCH(QString, stored);
+    QFETCH(bool, appended);
+    QList<FileTypeCategory> catalogue;
+    FileTypeCatalogue::appendStored(stored, catalogue);
+    QCOMPARE(catalogue.size(), appended ? 1 : 0);
+    if (!appended)
+        return;
+    QTEST(catalogue.first().checked, "checked");
+    QTEST(catalogue.first().name, "name");
+    QTEST(catalogue.first().extensions, "extensions");
+}
+
+void TestScanRecords::catalogueLoadsWhatTheCountSays()
+{
+    QList<FileTypeCategory> catalogue;
+    QVERIFY(!FileTypeCatalogue::load(catalogue)); // nothing stored: the caller fills defaults
+
+    SettingsStore::writeDword("FileTypeDataCount", 3);
+    SettingsStore::writeString("FileTypeData0", "1;A (.a)");
+    SettingsStore::writeDword("FileTypeData1", 7); // not a string: skipped
+    SettingsStore::writeString("FileTypeData2", "0;C (.c, .cc)");
+    SettingsStore::writeString("FileTypeData3", "1;Stale (.s)");
+    QVERIFY(FileTypeCatalogue::load(catalogue));
+    QCOMPARE(catalogue.size(), 2);
+    QCOMPARE(catalogue[0].name, QStringLiteral("A"));
+    QCOMPARE(catalogue[1].extensions, (QStringList{".c", ".cc"}));
+    QVERIFY(!catalogue[1].checked);
+
+    SettingsStore::writeString("FileTypeDataCount", "3"); // the wrong type reads as missing
+    QVERIFY(!FileTypeCatalogue::load(catalogue));
+}
+
+void TestScanRecords::exclusionsLoadFromTheirNumberedValues()
+{
+    SettingsStore::writeString("ExludeFolder2", "1;C:\\Temp");
+    SettingsStore::writeString("ExludeFolder3", "0;D:\\Data");
+    SettingsStore::writeString("ExludeFolder4", "abc;E:\\Other");
+    SettingsStore::writeString("ExludeFolder5", "F:\\NoFlag");
+    SettingsStore::writeString("ExludeFolder6", "1;c:\\temp"); // the same folder again
+    SettingsStore::writeString("ExludeFolder10", "1;G:\\NeverRead");
+    SettingsStore::writeDword("ExcludeOneDriveFolder", 1);
+    ExclusionSettings::load();
+
+    const QList<ExcludeEntry>& list = ExclusionSettings::excludeList();
+    QCOMPARE(list.size(), 3);
+    QCOMPARE(list[0].path, QStringLiteral("C:\\Temp"));
+    QVERIFY(list[0].enable);
+    QCOMPARE(list[1].path, QStringLiteral("D:\\Data"));
+    QVERIFY(!list[1].enable);
+    QVERIFY(!list[2].enable);
+    QCOMPARE(ExclusionSettings::excludeOneDriveFolder(), 1u);
+
+    QList<ExcludeEntry> full;
+    for (int i = 0; i < 11; ++i)
+        ExclusionSettings::append(full, {true, QString::number(i)});
+    QCOMPARE(full.size(), ExclusionSettings::maximumFolders);
+}
+
+QTEST_GUILESS_MAIN(TestScanRecords)
+#include "tst_scanrecords.moc"

@@ -1,0 +1,419 @@
+#include "IsolatedSettings.h"
+#include "scan/DiskUsageClearRamThread.h"
+#include "scan/DiskUsageWorkerThread.h"
+#include "settings/ExclusionSettings.h"
+#include "settings/FileTypeCatalogue.h"
+
+#include <QDir>
+#include <QStandardItemModel>
+#include <QtTest>
+
+#include <functional>
+
+using namespace DiskUsageGlobal;
+
+namespace {
+
+enum Column { Name, SizeText, Files, Folders, Size, Path, Percentage, MaxData, Index };
+
+// One scan of a folder, with everything it produced and signalled.
+struct ScanRun {
+    QStandardItemModel folderModel;
+    QStandardItemModel dataFilesModel;
+    QList<QStandardItem*> rootRow;
+    QList<TFileInfo> biggest;
+    QList<QList<TMainDataFile>> dataFiles;
+    QStringList paths;
+    QList<int> subFolderTotals;
+    int progress = 0;
+    int items = 0;
+    int resultReady = 0;
+
+    // The hooks run on the scan's thread: onItem at every entry with the entry
+    // count, onPath when the walk enters a folder below the root.
+    explicit ScanRun(const QString& path,
+                     const std::function<void(DiskUsageWorkerThread&, int)>& onItem = {},
+                     const std::function<void(const QString&)>& onPath = {})
+    {
+        DiskUsageWorkerThread worker(nullptr, path);
+        worker.setTargets({&folderModel, &dataFilesModel, &rootRow, &biggest, &dataFiles});
+        const auto direct = Qt::DirectConnection;
+        QObject::connect(
+            &worker, &DiskUsageWorkerThread::updatePath, &worker,
+            [this, onPath](const QString& p) {
+                paths << p;
+                if (onPath)
+                    onPath(p);
+            },
+            direct);
+        QObject::connect(&worker, &DiskUsageWorkerThread::updateTotalSubFolder, &worker,
+                         [this](int total) { subFolderTotals << total; }, direct);
+        QObject::connect(&worker, &DiskUsageWorkerThread::updateScanProgress, &worker,
+                         [this] { ++progress; }, direct);
+        QObject::connect(&worker, &DiskUsageWorkerThread::resultReady, &worker,
+                         [this] { ++resultReady; }, direct);
+        QObject::connect(
+            &worker, &DiskUsageWorkerThread::updateTotalItemScan, &worker,
+            [this, &worker, onItem](int total) {
+                items = total;
+                if (onItem)
+                    onItem(worker, total);
+            },
+            direct);
+        worker.start();
+        worker.wait();
+    }
+
+    [[nodiscard]] QStandardItem* root() const { return folderModel.item(0); }
+};
+
+QVariant cell(const QStandardItem* name, int column)
+{
+    const QStandardItem* parent = name->parent() ? name->parent()
+                                                 : name->model()->invisibleRootItem();
+    const QStandardItem* item = parent->child(name->row(), column);
+    return item ? item->data(Qt::DisplayRole) : QVariant();
+}
+
+QStandardItem* childNamed(const QStandardItem* parent, const QString& name)
+{
+    for (int row = 0; row < parent->rowCount(); ++row) {
+        if (parent->child(row)->text() == name)
+            return parent->child(row);
+    }
+    return nullptr;
+}
+
+void makeFile(const QString& path, qint64 size)
+{
+    QDir().mkpath(QFileInfo(path).path());
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QVERIFY(file.resize(size));
+}
+
+// Makes a chain of folders below base, one level at a time relative to the
+// working folder, so that no path is ever longer than one name. Returns how
+// many levels were made.
+int makeChain(const QString& base, const QString& step, int depth, qint64 leafSize)
+{
+    const QString start = QDir::currentPath();
+    QDir::setCurrent(base);
+    int made = 0;
+    while (made < depth && QDir().mkdir(step) && QDir::setCurrent(step))
+        ++made;
+    QFile leaf("leaf.bin");
+    if (leaf.open(QIODevice::WriteOnly))
+        leaf.resize(leafSize);
+    leaf.close();
+    QDir::setCurrent(start);
+    return made;
+}
+
+void removeChain(const QString& base, const QString& step, int depth)
+{
+    const QString start = QDir::currentPath();
+    QDir::setCurrent(base);
+    for (int level = 0; level < depth; ++level)
+        QDir::setCurrent(step);
+    QFile::remove("leaf.bin");
+    for (int level = 0; level < depth; ++level) {
+        QDir::setCurrent("..");
+        QDir().rmdir(step);
+    }
+    QDir::setCurrent(start);
+}
+
+} // namespace
+
+class TestScanWorker : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init();
+    void anEmptyFolder();
+    void foldersCarryTheirSubtrees();
+    void percentagesAreSharesOfTheParent();
+    void theTwentyBiggestFiles();
+    void categoriesCountEveryMatchingFile();
+    void exclusionsArePlainPrefixes();
+    void oneDriveFolders();
+    void oddNamesAndADeepChain();
+    void aFolderThatVanishesIsEmpty();
+    void cancellingKeepsTheTotalsConsistent();
+    void releasingEmptiesTheModels();
+
+private:
+    IsolatedSettings isolated;
+    QTemporaryDir dir;
+};
+
+void TestScanWorker::init()
+{
+    QVERIFY(dir.isValid());
+    QDir(dir.path()).removeRecursively();
+    QDir().mkpath(dir.path());
+    FileTypeCatalogue::fillDefaults(FileTypeCatalogue::instance());
+    ExclusionSettings::excludeList().clear();
+    ExclusionSettings::excludeOneDriveFolder() = 0;
+    qunsetenv("OneDrive");
+}
+
+void TestScanWorker::anEmptyFolder()
+{
+    const ScanRun scan(dir.path());
+    QCOMPARE(scan.folderModel.rowCount(), 1);
+    const QStandardItem* root = scan.root();
+    QCOMPARE(root->text(), QFileInfo(dir.path()).fileName());
+    QCOMPARE(cell(root, SizeText).toString(), QStringLiteral("0.00 KB"));
+    QCOMPARE(cell(root, Files).toInt(), 0);
+    QCOMPARE(cell(root, Folders).toInt(), 0);
+    QCOMPARE(cell(root, Percentage).toDouble(), 100.0);
+    QCOMPARE(cell(root, MaxData).toString(), QStringLiteral("0"));
+    QCOMPARE(cell(root, Path).toString(), QDir::toNativeSeparators(dir.path()));
+    QCOMPARE(scan.subFolderTotals, QList<int>{1});
+    QVERIFY(scan.paths.isEmpty());
+    QCOMPARE(scan.resultReady, 1);
+    QCOMPARE(scan.rootRow.size(), 7);
+}
+
+void TestScanWorker::foldersCarryTheirSubtrees()
+{
+    makeFile(dir.filePath("a.iso"), 5000);
+    makeFile(dir.filePath("Music/song.mp3"), 3000);
+    QDir().mkpath(dir.filePath("Music/empty"));
+    makeFile(dir.filePath("docs/r.txt"), 3);
+    makeFile(dir.filePath("docs/y.txt"), 4);
+    const ScanRun scan(dir.path());
+
+    const QStandardItem* root = scan.root();
+    QCOMPARE(cell(root, Size).toULongLong(), 8007ull);
+    QCOMPARE(cell(root, Files).toInt(), 4);
+    QCOMPARE(cell(root, Folders).toInt(), 3);
+    QCOMPARE(cell(root, MaxData).toString(), QStringLiteral("a.iso:5000:0;Music:3000:1;docs:7:1;2"));
+    const QStandardItem* music = childNamed(root, "Music");
+    QVERIFY(music);
+    QCOMPARE(cell(music, MaxData).toString(), QStringLiteral("song.mp3:3000:0;empty:0:1;1"));
+    QCOMPARE(cell(music, Path).toString(), dir.path() + "/Music");
+    QCOMPARE(cell(music, SizeText).toString(), QStringLiteral("2.93 KB"));
+
+    // Folders are numbered as they finish: children before their parents.
+    QCOMPARE(cell(root, Index).toInt(), 3);
+    QCOMPARE(cell(childNamed(music, "empty"), Index).toInt(), 0);
+    QVERIFY(cell(music, Index).toInt() > 0);
+
+    QCOMPARE(scan.items, 7);
+    QCOMPARE(scan.subFolderTotals, QList<int>{3});
+    QCOMPARE(scan.progress, 2);
+    QCOMPARE(QSet<QString>(scan.paths.begin(), scan.paths.end()),
+             (QSet<QString>{dir.path() + "/Music", dir.path() + "/docs"}));
+}
+
+void TestScanWorker::percentagesAreSharesOfTheParent()
+{
+    for (const char* name : {"a", "b", "c"})
+        makeFile(dir.filePath(QString("three/%1/f").arg(name)), 10);
+    makeFile(dir.filePath("alone/inner/f"), 10);
+    const ScanRun scan(dir.path());
+
+    const QStandardItem* three = childNamed(scan.root(), "three");
+    for (int row = 0; row < three->rowCount(); ++row)
+        QCOMPARE(cell(three->child(row), Percentage).toDouble(), 33.33);
+    QCOMPARE(cell(three, Percentage).toDouble(), 75.0);
+    QCOMPARE(cell(childNamed(childNamed(scan.root(), "alone"), "inner"), Percentage).toDouble(),
+             100.0);
+}
+
+void TestScanWorker::theTwentyBiggestFiles()
+{
+    for (int size = 1; size <= 25; ++size)
+        makeFile(dir.filePath(QString("sub%1/f%2.bin").arg(size % 3).arg(size)), size);
+    makeFile(dir.filePath("zero.bin"), 0);
+    const ScanRun scan(dir.path());
+
+    QCOMPARE(scan.biggest.size(), 20);
+    for (int i = 0; i < 20; ++i) {
+        const quint64 size = 25 - i;
+        QCOMPARE(scan.biggest[i].size, size);
+        QCOMPARE(scan.biggest[i].filePath,
+                 dir.path() + QString("/sub%1/f%2.bin").arg(size % 3).arg(size));
+    }
+}
+
+void TestScanWorker::categoriesCountEveryMatchingFile()
+{
+    QList<FileTypeCategory>& catalogue = FileTypeCatalogue::instance();
+    catalogue[10].checked = false; // Video Files
+    for (int size = 1; size <= 25; ++size)
+        makeFile(dir.filePath(QString("d/doc%1.txt").arg(size)), size);
+    makeFile(dir.filePath("song.MP3"), 3000);
+    makeFile(dir.filePath("backup.TAR.GZ"), 2048);
+    makeFile(dir.filePath("film.mkv"), 999);
+    const ScanRun scan(dir.path());
+
+    QCOMPARE(catalogue[5].totalSize, 325); // every .txt, not only the 20 kept
+    QCOMPARE(scan.dataFiles[5].size(), 20);
+    QCOMPARE(scan.dataFiles[5].first().size, 25);
+    QCOMPARE(scan.dataFiles[5].first().fileName, QStringLiteral("doc25.txt"));
+    QCOMPARE(scan.dataFiles[5].first().filePath, dir.path() + "/d");
+    QCOMPARE(scan.dataFiles[3].first().sizeText, QStringLiteral("2.00 KB"));
+    QVERIFY(!scan.dataFiles[3].first().lastAccessText.isEmpty());
+    QVERIFY(scan.dataFiles[10].isEmpty());
+    QSet<int> indexes;
+    for (const auto& list : scan.dataFiles) {
+        for (const auto& file : list)
+            indexes.insert(file.index);
+    }
+    QCOMPARE(indexes.size(), 22);
+    QVERIFY(*std::min_element(indexes.begin(), indexes.end()) >= 100);
+
+    const QStandardItemModel& rows = scan.dataFilesModel;
+    QCOMPARE(rows.rowCount(), 12);
+    QCOMPARE(rows.item(5, 1)->text(), QStringLiteral("0.32 KB"));
+    QCOMPARE(rows.item(5, 4)->data(Qt::DisplayRole).toDouble(), 325 * 9.5367431640625e-7);
+    QCOMPARE(rows.item(5, 5)->data(Qt::DisplayRole).toInt(), 5);
+    QVERIFY(!rows.item(5, 0)->icon().isNull());
+    QVERIFY(!rows.item(10, 0)); // the disabled category's row keeps its place
+    QCOMPARE(rows.item(11, 0)->text(), QStringLiteral("Web Files"));
+    QCOMPARE(rows.item(11, 1)->text(), QStringLiteral("0.00 KB"));
+    QCOMPARE(rows.item(11, 4)->data(Qt::DisplayRole).toDouble(), 0.0);
+    QCOMPARE(rows.item(11, 5)->data(Qt::DisplayRole).toInt(), 11);
+}
+
+void TestScanWorker::exclusionsArePlainPrefixes()
+{
+    makeFile(dir.filePath("Temp/x"), 10);
+    makeFile(dir.filePath("Temporary/y"), 20);
+    makeFile(dir.filePath("Keep/z"), 40);
+    makeFile(dir.filePath("Tempfile.txt"), 80);
+    ExclusionSettings::excludeList() = {{true, dir.filePath("Temp")}, {false, dir.filePath("Keep")}};
+    const ScanRun scan(dir.path());
+
+    const QStandardItem* root = scan.root();
+    QCOMPARE(root->rowCount(), 1);
+    QCOMPARE(root->child(0)->text(), QStringLiteral("Keep"));
+    QCOMPARE(cell(root, Size).toULongLong(), 120ull); // a file is never excluded
+    QCOMPARE(cell(root, Folders).toInt(), 1);
+    QCOMPARE(scan.subFolderTotals, QList<int>{4});
+    QCOMPARE(scan.paths, QStringList{dir.filePath("Keep")});
+}
+
+void TestScanWorker::oneDriveFolders()
+{
+    makeFile(dir.filePath("OneDrive/notes/n.txt"), 5);
+    makeFile(dir.filePath("Local/l.txt"), 7);
+    qputenv("OneDrive", dir.filePath("OneDrive").toUtf8());
+    const QImage cloud =
+        QIcon(":/resources/images/genericCloudFolder.png").pixmap(16).toImage();
+    {
+        const ScanRun scan(dir.path());
+        const QStandardItem* oneDrive = childNamed(scan.root(), "OneDrive");
+        QVERIFY(oneDrive);
+        QCOMPARE(oneDrive->icon().pixmap(16).toImage(), cloud);
+        QCOMPARE(oneDrive->child(0)->icon().pixmap(16).toImage(), cloud);
+        QVERIFY(childNamed(scan.root(), "Local")->icon().pixmap(16).toImage() != cloud);
+    }
+    ExclusionSettings::excludeOneDriveFolder() = 1;
+    const ScanRun scan(dir.path());
+    QVERIFY(!childNamed(scan.root(), "OneDrive"));
+    QCOMPARE(cell(scan.root(), Size).toULongLong(), 7ull);
+}
+
+void TestScanWorker::oddNamesAndADeepChain()
+{
+    const QStringList names{"a:b;c.d.e", "no dot", "\u65e5\u672c\u8a9e.txt", ";;", "x.y.z.tar.gz"};
+    for (const QString& name : names)
+        makeFile(dir.filePath("odd/" + name), 11);
+    QDir().mkpath(dir.filePath("odd/folder:with;marks"));
+
+    // 1,500 folders deep: paths of some 90,000 characters.
+    const QString deep = dir.filePath("deep");
+    const QString step = QString(60, 'n');
+    QDir().mkpath(deep);
+    const int made = makeChain(deep, step, 1500, 123);
+    if (made < 1500) {
+        removeChain(deep, step, made);
+        QSKIP(qPrintable(QString("this system made a folder chain only %1 levels deep").arg(made)));
+    }
+    const ScanRun scan(dir.path());
+    removeChain(deep, step, made);
+
+    const QStandardItem* odd = childNamed(scan.root(), "odd");
+    QCOMPARE(cell(odd, Files).toInt(), names.size());
+    QCOMPARE(cell(odd, Size).toULongLong(), quint64(11 * names.size()));
+    QVERIFY(childNamed(odd, "folder:with;marks"));
+    const QStandardItem* chain = childNamed(scan.root(), "deep");
+    QCOMPARE(cell(chain, Folders).toInt(), 1500);
+    QCOMPARE(cell(chain, Size).toULongLong(), 123ull);
+    QVERIFY(cell(chain, Path).toString().size() < 100);
+}
+
+void TestScanWorker::aFolderThatVanishesIsEmpty()
+{
+    makeFile(dir.filePath("stays/s"), 3);
+    makeFile(dir.filePath("goes/inner/g"), 5);
+    // Removed at the moment the walk announces it, before it is listed.
+    const ScanRun scan(dir.path(), {}, [](const QString& path) {
+        if (path.endsWith("goes"))
+            QDir(path).removeRecursively();
+    });
+    const QStandardItem* goes = childNamed(scan.root(), "goes");
+    QVERIFY(goes);
+    QCOMPARE(cell(goes, Size).toULongLong(), 0ull);
+    QCOMPARE(cell(goes, Files).toInt(), 0);
+    QCOMPARE(cell(scan.root(), Size).toULongLong(), 3ull);
+}
+
+void TestScanWorker::cancellingKeepsTheTotalsConsistent()
+{
+    // Files only in the leaves, so every total is the sum of the rows below.
+    for (int folder = 0; folder < 6; ++folder) {
+        for (int file = 0; file < 30; ++file)
+            makeFile(dir.filePath(QString("f%1/g/x%2").arg(folder).arg(file)), file + 1);
+    }
+    constexpr int stopAt = 70;
+    const ScanRun scan(dir.path(), [](DiskUsageWorkerThread& worker, int total) {
+        if (total == stopAt)
+            worker.setCancel(true);
+    });
+
+    QCOMPARE(scan.resultReady, 1);
+    QCOMPARE(scan.items, stopAt);
+    const QStandardItem* root = scan.root();
+    quint64 size = 0;
+    int files = 0;
+    int folders = root->rowCount();
+    for (int row = 0; row < root->rowCount(); ++row) {
+        const QStandardItem* child = root->child(row);
+        size += cell(child, Size).toULongLong();
+        files += cell(child, Files).toInt();
+        folders += cell(child, Folders).toInt();
+    }
+    QCOMPARE(cell(root, Size).toULongLong(), size);
+    QCOMPARE(cell(root, Files).toInt(), files);
+    QCOMPARE(cell(root, Folders).toInt(), folders);
+    QVERIFY(files > 0 && files < 6 * 30);
+    QVERIFY(root->rowCount() < 6);
+}
+
+void TestScanWorker::releasingEmptiesTheModels()
+{
+    makeFile(dir.filePath("a/b/c.txt"), 10);
+    ScanRun scan(dir.path());
+    QStandardItemModel biggestFiles;
+    biggestFiles.appendRow(new QStandardItem("c.txt"));
+
+    DiskUsageClearRamThread release(nullptr, &scan.folderModel, &scan.dataFilesModel,
+                                    &biggestFiles);
+    QSignalSpy steps(&release, &DiskUsageClearRamThread::updateScanProgress);
+    QSignalSpy finished(&release, &DiskUsageClearRamThread::processFinish);
+    release.start();
+    QVERIFY(finished.wait());
+    QCOMPARE(steps.count(), 5);
+    QCOMPARE(scan.folderModel.rowCount(), 0);
+    QCOMPARE(scan.dataFilesModel.rowCount(), 0);
+    QCOMPARE(biggestFiles.rowCount(), 0);
+}
+
+QTEST_MAIN(TestScanWorker)
+#include "tst_scanworker.moc"
