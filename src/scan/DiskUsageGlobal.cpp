@@ -1,9 +1,12 @@
 #include "DiskUsageGlobal.h"
 
 #include "platform/FileTime.h"
+#include "platform/NativeText.h"
 
 #include <QDateTime>
+
 #include <QLoggingCategory>
+#include <charconv>
 
 Q_LOGGING_CATEGORY(lcScanRecords, "tallyroot.scan", QtInfoMsg)
 
@@ -38,19 +41,30 @@ QString extensionKey(const QString& fileName)
     return dot < 0 ? QStringLiteral(".") : fileName.mid(dot);
 }
 
+namespace {
+
+void appendNumber(platform::NativeString& text, qint64 number)
+{
+    char digits[24];
+    const auto end = std::to_chars(digits, digits + sizeof digits, number).ptr;
+    text.append(digits, end);
+}
+
+} // namespace
+
 QString childSummary(const QList<TMaxDataItem>& ranked, int childRows)
 {
-    QString summary;
+    platform::NativeString summary;
     for (const TMaxDataItem& item : ranked) {
         summary += item.name;
         summary += ':';
-        summary += QString::number(item.size);
+        appendNumber(summary, item.size);
         summary += ':';
-        summary += QString::number(item.kind);
+        appendNumber(summary, item.kind);
         summary += ';';
     }
-    summary += QString::number(childRows);
-    return summary;
+    appendNumber(summary, childRows);
+    return platform::toQString(summary);
 }
 
 void registerMetaTypes()

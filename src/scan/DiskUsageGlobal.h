@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/DirectoryListing.h"
+
 #include <QList>
 #include <QMetaType>
 #include <QString>
@@ -28,10 +30,12 @@ struct TMainDataFile {
 };
 
 // One of a folder's largest children; also how a finished subfolder reports
-// itself to its parent.
+// itself to its parent. The name stays as the system gave it until the
+// folder's summary is written, so that a walk makes one string per folder
+// rather than one per file.
 struct TMaxDataItem {
     enum Kind : qint32 { File = 0, Folder = 1 };
-    QString name;
+    platform::NativeString name;
     qint64 size = 0;
     qint32 kind = File;
 };

@@ -29,7 +29,7 @@ constexpr int columnCount = 9;
 // One folder of the walk, from its listing until it is finished.
 struct DiskUsageWorkerThread::Folder {
     platform::DirectoryListing listing;
-    QString name;
+    platform::NativeString name;
     QString path;
     int depth = 0;
     // The row's cells; the root row's last two are made when they are set.
@@ -148,7 +148,7 @@ std::array<QStandardItem*, 9> DiskUsageWorkerThread::walk(Totals& result)
         }
         Folder& parent = stack.back();
         parent.finishedSubfolders.append(
-            {done.name, qint64(done.totals.size), TMaxDataItem::Folder});
+            {std::move(done.name), qint64(done.totals.size), TMaxDataItem::Folder});
         parent.totals.size += done.totals.size;
         parent.totals.files += done.totals.files;
         parent.totals.folders += done.totals.folders;
@@ -165,6 +165,7 @@ DiskUsageWorkerThread::Folder DiskUsageWorkerThread::enter(const platform::Direc
         emit updateScanProgress();
     }
     Folder folder;
+    folder.summary.reserve(DiskUsageGlobal::childSummaryLimit + 1);
     folder.listing = parent ? parent->openChild(name)
                             : platform::DirectoryListing::open(platform::toNative(path));
     folder.path = std::move(path);
@@ -188,11 +189,11 @@ void DiskUsageWorkerThread::addEntry(std::vector<Folder>& stack, platform::Direc
     ++folder.totals.folders;
     if (cancelled()) {
         // A folder met after a cancel keeps its placeholder row.
-        folder.finishedSubfolders.append({name, 0, TMaxDataItem::Folder});
+        folder.finishedSubfolders.append({entry.name, 0, TMaxDataItem::Folder});
         return;
     }
     Folder child = enter(&folder.listing, entry.name, std::move(path), folder.depth + 1);
-    child.name = std::move(name);
+    child.name = entry.name;
     child.cells = cells;
     stack.push_back(std::move(child)); // invalidates `folder`
 }
@@ -203,7 +204,7 @@ void DiskUsageWorkerThread::addFile(Folder& folder, const platform::DirectoryEnt
     folder.totals.size += entry.size;
     const auto size = static_cast<qint64>(entry.size);
     DiskUsageGlobal::offerRanked(folder.summary, size, DiskUsageGlobal::childSummaryLimit, [&] {
-        return TMaxDataItem{platform::toQString(entry.name), size, TMaxDataItem::File};
+        return TMaxDataItem{entry.name, size, TMaxDataItem::File};
     });
 
     QList<TFileInfo>& biggest = *targets.biggestFiles;

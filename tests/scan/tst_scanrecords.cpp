@@ -80,22 +80,25 @@ void TestScanRecords::rankedInsertionKeepsTheLargest()
 {
     QList<TMaxDataItem> list;
     const auto offer = [&list](const QString& name, qint64 size) {
-        return offerRanked(list, size, 3, [&] { return TMaxDataItem{name, size}; });
+        return offerRanked(list, size, 3, [&] {
+            return TMaxDataItem{platform::toNative(name), size};
+        });
     };
     QVERIFY(offer("a", 5));
     QVERIFY(offer("b", 9));
-    QVERIFY(offer("c", 5)); // a tie goes behind the earlier entry
+    QVERIFY(offer("c", 5));  // a tie goes behind the earlier entry
     QVERIFY(!offer("d", 5)); // full, and nothing smaller
     QVERIFY(offer("e", 7));
     QStringList names;
     for (const auto& item : list)
-        names << item.name;
+        names << platform::toQString(item.name);
     QCOMPARE(names, (QStringList{"b", "e", "a"}));
 
     QList<TFileInfo> files;
     for (int i = 0; i < 21; ++i) {
-        offerRanked(files, quint64(100), biggestFilesLimit,
-                    [i] { return TFileInfo{{}, {}, QString::number(i), 100, 0}; });
+        offerRanked(files, quint64(100), biggestFilesLimit, [i] {
+            return TFileInfo{{}, {}, QString::number(i), 100, 0};
+        });
     }
     QCOMPARE(files.size(), 20);
     QCOMPARE(files.first().filePath, QStringLiteral("0"));
@@ -113,10 +116,14 @@ void TestScanRecords::rankedInsertionMakesOnlyWhatItKeeps()
 
 void TestScanRecords::childSummaryIsNotEscaped()
 {
-    const QList<TMaxDataItem> ranked{{"a.iso", 5000, TMaxDataItem::File},
-                                     {"Music", 3000, TMaxDataItem::Folder},
-                                     {"odd:name;x", 7, TMaxDataItem::File}};
-    QCOMPARE(childSummary(ranked, 1), QStringLiteral("a.iso:5000:0;Music:3000:1;odd:name;x:7:0;1"));
+    const auto item = [](const char* name, qint64 size, qint32 kind) {
+        return TMaxDataItem{platform::toNative(QString::fromUtf8(name)), size, kind};
+    };
+    const QList<TMaxDataItem> ranked{
+        item("a.iso", 5000, TMaxDataItem::File), item("Music", 3000, TMaxDataItem::Folder),
+        item("odd:name;x", 7, TMaxDataItem::File), item("\u00dcbung", 6, TMaxDataItem::File)};
+    QCOMPARE(childSummary(ranked, 1),
+             QString::fromUtf8("a.iso:5000:0;Music:3000:1;odd:name;x:7:0;\u00dcbung:6:0;1"));
     QCOMPARE(childSummary({}, 0), QStringLiteral("0"));
 }
 
@@ -186,16 +193,16 @@ void TestScanRecords::storedCategory_data()
                                << QStringList{".avi"};
     QTest::newRow("any other flag is checked")
         << "x;Video Files (.avi)" << true << true << "Video Files" << QStringList{".avi"};
-    QTest::newRow("no extensions") << "1;Font Files ()" << true << true << "Font Files"
-                                   << QStringList{};
+    QTest::newRow("no extensions")
+        << "1;Font Files ()" << true << true << "Font Files" << QStringList{};
     QTest::newRow("trimmed") << "1;Font Files (.fnt,.fon )" << true << true << "Font Files"
                              << QStringList{".fnt", ".fon"};
-    QTest::newRow("as displayed") << "1;Web Files (.htm, .html, .js)" << true << true
-                                  << "Web Files" << QStringList{".htm", ".html", ".js"};
-    QTest::newRow("no parenthesis") << "1;Loose .a" << true << true << "Loose .a"
-                                    << QStringList{"Loose ."};
-    QTest::newRow("leading semicolon") << ";Font Files (.fnt)" << false << false << ""
-                                       << QStringList{};
+    QTest::newRow("as displayed") << "1;Web Files (.htm, .html, .js)" << true << true << "Web Files"
+                                  << QStringList{".htm", ".html", ".js"};
+    QTest::newRow("no parenthesis")
+        << "1;Loose .a" << true << true << "Loose .a" << QStringList{"Loose ."};
+    QTest::newRow("leading semicolon")
+        << ";Font Files (.fnt)" << false << false << "" << QStringList{};
     QTest::newRow("no semicolon") << "Font Files (.fnt)" << false << false << "" << QStringList{};
 }
 

@@ -106,14 +106,21 @@ bool DirectoryListing::next(DirectoryEntry& entry)
         const char* name = found->d_name;
         if (std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0)
             continue;
+        entry.name.assign(name);
+        // A folder's own size and time count nowhere: no need to ask for them.
+        if (found->d_type == DT_DIR) {
+            entry.isDirectory = true;
+            entry.size = 0;
+            entry.lastAccessTime = 0;
+            return true;
+        }
         struct stat info {};
         // An entry that vanished since the folder was read is not there any more.
         if (fstatat(state->fd, name, &info, AT_SYMLINK_NOFOLLOW) != 0)
             continue;
-        entry.name.assign(name);
         entry.isDirectory = S_ISDIR(info.st_mode);
         entry.size = entry.isDirectory ? 0 : static_cast<std::uint64_t>(info.st_size);
-        entry.lastAccessTime = fileTimeOf(info.st_atim);
+        entry.lastAccessTime = entry.isDirectory ? 0 : fileTimeOf(info.st_atim);
         return true;
     }
     return false;
