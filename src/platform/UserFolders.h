@@ -14,4 +14,8 @@ std::wstring oneDriveFolderPath();
 // A folder that always exists, whose shell icon stands for every folder.
 std::wstring windowsFolderPath();
 
+// The registry key whose "OneDrive" value names the folder (Windows only; on
+// Linux the folder comes from the environment). Tests move it aside.
+void setOneDriveKey(const std::wstring& subKey);
+
 } // namespace platform

@@ -1,9 +1,12 @@
 #pragma once
 
+#include "DirectoryListing.h"
+
 #include <string>
 
 // Points the settings store at a throw-away place for the life of the object:
-// a temporary XDG_CONFIG_HOME on Linux, a test subkey under Windows.
+// a temporary XDG_CONFIG_HOME on Linux, a test subkey under Windows. The
+// OneDrive folder is read from there too, never from the user's own setting.
 class IsolatedSettings {
 public:
     IsolatedSettings();
@@ -13,6 +16,8 @@ public:
 
     // Removes every stored value.
     void clear();
+    // Names the OneDrive folder; an empty path means there is none.
+    void setOneDrivePath(const platform::NativeString& path);
 
 private:
     std::string location;

@@ -58,4 +58,6 @@ std::wstring windowsFolderPath()
     return L"/";
 }
 
+void setOneDriveKey(const std::wstring&) {}
+
 } // namespace platform

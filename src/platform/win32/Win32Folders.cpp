@@ -29,7 +29,18 @@ int csidlOf(SpecialFolder which)
     return CSIDL_PROFILE;
 }
 
+std::wstring& oneDriveKey()
+{
+    static std::wstring key = L"Environment";
+    return key;
+}
+
 } // namespace
+
+void setOneDriveKey(const std::wstring& subKey)
+{
+    oneDriveKey() = subKey;
+}
 
 std::wstring specialFolderPath(SpecialFolder which)
 {
@@ -52,7 +63,7 @@ std::wstring downloadsFolderPath()
 std::wstring oneDriveFolderPath()
 {
     std::wstring path;
-    (void)win32::readStringValue(HKEY_CURRENT_USER, L"Environment", L"OneDrive", path);
+    (void)win32::readStringValue(HKEY_CURRENT_USER, oneDriveKey(), L"OneDrive", path);
     return path;
 }
 

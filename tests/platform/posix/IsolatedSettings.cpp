@@ -17,6 +17,15 @@ IsolatedSettings::IsolatedSettings()
     if (::mkdtemp(pattern.data()))
         location = pattern;
     ::setenv("XDG_CONFIG_HOME", location.c_str(), 1);
+    ::unsetenv("OneDrive");
+}
+
+void IsolatedSettings::setOneDrivePath(const platform::NativeString& path)
+{
+    if (path.empty())
+        ::unsetenv("OneDrive");
+    else
+        ::setenv("OneDrive", path.c_str(), 1);
 }
 
 void IsolatedSettings::clear()

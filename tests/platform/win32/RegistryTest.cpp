@@ -135,14 +135,12 @@ TEST_CASE(downloadsAndOneDriveComeFromTheUserHive)
     CHECK(!downloads.empty());
     CHECK(downloads.find(L'%') == std::wstring::npos);
 
+    // Read from the test's key, never from the user's own Environment key.
     const std::wstring oneDrive = L"C:\\users\\tester\\OneDrive - \u00c9cole";
-    CHECK(win32::writeStringValue(HKEY_CURRENT_USER, L"Environment", L"OneDrive", oneDrive));
+    CHECK(
+        win32::writeStringValue(HKEY_CURRENT_USER, platform::settingsKey(), L"OneDrive", oneDrive));
     CHECK(platform::oneDriveFolderPath() == oneDrive);
-    {
-        win32::RegistryKey environment;
-        RegOpenKeyExW(HKEY_CURRENT_USER, L"Environment", 0, KEY_WRITE, environment.receive());
-        RegDeleteValueW(environment.get(), L"OneDrive");
-    }
+    RegDeleteKeyValueW(HKEY_CURRENT_USER, platform::settingsKey().c_str(), L"OneDrive");
     CHECK(platform::oneDriveFolderPath().empty());
 }
 

@@ -5,8 +5,10 @@
 #include <QImage>
 #include <QPixmap>
 
-#include <shellapi.h>
+// windows.h must come before the shell's header.
 #include <windows.h>
+// (keep)
+#include <shellapi.h>
 
 namespace platform {
 
