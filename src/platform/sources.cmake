@@ -17,7 +17,7 @@ set(TALLYROOT_PLATFORM_WIN32_DEFINITIONS UNICODE _UNICODE WIN32_LEAN_AND_MEAN NO
 # The Qt side of the Win32 backend, for the Windows build of the program.
 set(TALLYROOT_PLATFORM_WIN32_QT_SOURCES
     ${CMAKE_CURRENT_LIST_DIR}/win32/qt/NativeText.cpp
-    ${CMAKE_CURRENT_LIST_DIR}/win32/qt/Win32ShellIcons.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/win32/qt/Win32Shell.cpp
 )
 set(TALLYROOT_PLATFORM_POSIX_SOURCES
     ${CMAKE_CURRENT_LIST_DIR}/posix/NativeText.cpp
@@ -26,6 +26,6 @@ set(TALLYROOT_PLATFORM_POSIX_SOURCES
     ${CMAKE_CURRENT_LIST_DIR}/posix/PosixFolders.cpp
     ${CMAKE_CURRENT_LIST_DIR}/posix/PosixScreen.cpp
     ${CMAKE_CURRENT_LIST_DIR}/posix/PosixSettings.cpp
-    ${CMAKE_CURRENT_LIST_DIR}/posix/PosixShellIcons.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/posix/PosixShell.cpp
     ${CMAKE_CURRENT_LIST_DIR}/posix/SettingsFile.cpp
 )

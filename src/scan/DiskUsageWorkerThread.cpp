@@ -3,7 +3,7 @@
 #include "ReportPreparation.h"
 #include "platform/DirectoryListing.h"
 #include "platform/NativeText.h"
-#include "platform/ShellIcons.h"
+#include "platform/Shell.h"
 #include "settings/ExclusionSettings.h"
 #include "settings/FileTypeCatalogue.h"
 #include "settings/SettingsStore.h"

@@ -1,6 +1,7 @@
 // The Linux side of the platform layer: the settings file under bad input, and
 // the user folders from the XDG configuration.
 
+#include "DirectoryListing.h"
 #include "IsolatedSettings.h"
 #include "UserFolders.h"
 #include "settings/SettingsStore.h"
@@ -22,6 +23,7 @@ private slots:
     void aWriteLeavesNoTemporaryFileBehind();
     void userFoldersFollowTheXdgConfiguration();
     void oneDriveComesFromTheEnvironmentOrTheHomeFolder();
+    void anotherFileSystemIsNotEntered();
 
 private:
     static QString configHome() { return qEnvironmentVariable("XDG_CONFIG_HOME"); }
@@ -176,6 +178,20 @@ void TestPosixBackend::oneDriveComesFromTheEnvironmentOrTheHomeFolder()
     QVERIFY(QDir(home.path()).mkdir("OneDrive"));
     QCOMPARE(SettingsStore::oneDrivePath(), home.path() + "/OneDrive");
     qputenv("HOME", savedHome);
+}
+
+void TestPosixBackend::anotherFileSystemIsNotEntered()
+{
+    // /proc is a file system of its own below /; /etc is not.
+    const auto root = platform::DirectoryListing::open("/");
+    QVERIFY(root.isOpen());
+    QVERIFY(!root.openChild("proc").isOpen());
+    QVERIFY(root.openChild("etc").isOpen());
+    // Nor is a link to a folder ever entered.
+    QTemporaryDir scratch;
+    QVERIFY(QFile::link(scratch.path(), scratch.filePath("self")));
+    QVERIFY(
+        !platform::DirectoryListing::open(scratch.path().toStdString()).openChild("self").isOpen());
 }
 
 QTEST_GUILESS_MAIN(TestPosixBackend)

@@ -1,0 +1,55 @@
+#include "../Shell.h"
+
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QDesktopServices>
+#include <QFileIconProvider>
+#include <QFileInfo>
+#include <QUrl>
+
+namespace platform {
+
+namespace {
+const QString fileManagerService = QStringLiteral("org.freedesktop.FileManager1");
+} // namespace
+
+void exploreFolder(QWidget*, const QString& path)
+{
+    QDesktopServices::openUrl(QUrl::fromLocalFile(path));
+}
+
+// The desktop's file manager selects the item when it offers ShowItems over
+// D-Bus; without one, the folder that holds the item is opened instead.
+void showItem(const QString& path, QObject*)
+{
+    QDBusConnection bus = QDBusConnection::sessionBus();
+    if (bus.isConnected() && bus.interface()->isServiceRegistered(fileManagerService)) {
+        QDBusMessage call = QDBusMessage::createMethodCall(
+            fileManagerService, "/org/freedesktop/FileManager1", fileManagerService, "ShowItems");
+        call << QStringList{QUrl::fromLocalFile(path).toString()} << QString();
+        if (bus.send(call))
+            return;
+    }
+    QDesktopServices::openUrl(QUrl::fromLocalFile(QFileInfo(path).path()));
+}
+
+void openFile(const QString& path)
+{
+    QDesktopServices::openUrl(QUrl::fromLocalFile(path));
+}
+
+QIcon smallFileIcon(const QString& path)
+{
+    const QFileInfo info(path);
+    if (!info.exists())
+        return {};
+    return QFileIconProvider().icon(info);
+}
+
+QIcon folderIcon()
+{
+    return QFileIconProvider().icon(QFileIconProvider::Folder);
+}
+
+} // namespace platform

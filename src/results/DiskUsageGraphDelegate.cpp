@@ -1,0 +1,37 @@
+#include "DiskUsageGraphDelegate.h"
+
+#include <QPainter>
+#include <QStandardItemModel>
+
+namespace {
+constexpr int sizeColumn = 1;
+constexpr int percentageColumn = 6;
+} // namespace
+
+DiskUsageGraphDelegate::DiskUsageGraphDelegate(QStandardItemModel* model, QObject* parent)
+    : QStyledItemDelegate(parent)
+    , model(model)
+{}
+
+int DiskUsageGraphDelegate::barWidth(int cellWidth, const QVariant& percentage)
+{
+    // Whole percent, as the share's value reads as an unsigned number.
+    const qulonglong share = percentage.toULongLong();
+    return static_cast<int>(cellWidth * double(share) / 100.0);
+}
+
+void DiskUsageGraphDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
+                                   const QModelIndex& index) const
+{
+    if (index.column() == sizeColumn) {
+        painter->setPen(Qt::yellow);
+        painter->setBrush(QBrush(Qt::yellow, Qt::SolidPattern));
+        if (model) {
+            const QVariant share = index.siblingAtColumn(percentageColumn).data(Qt::DisplayRole);
+            const QRect bar(option.rect.left(), option.rect.top(),
+                            barWidth(option.rect.width(), share), option.rect.height());
+            painter->drawRects(&bar, 1);
+        }
+    }
+    QStyledItemDelegate::paint(painter, option, index);
+}

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QStyledItemDelegate>
+
+class QStandardItemModel;
+
+// Draws, behind the text of the folder tree's "Size" column, a bar as long as
+// the row's share of its parent.
+class DiskUsageGraphDelegate : public QStyledItemDelegate {
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(DiskUsageGraphDelegate)
+
+public:
+    DiskUsageGraphDelegate(QStandardItemModel* model, QObject* parent);
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override;
+
+    // The bar's width in a cell of the given width for a share in percent.
+    [[nodiscard]] static int barWidth(int cellWidth, const QVariant& percentage);
+
+private:
+    QStandardItemModel* model;
+};

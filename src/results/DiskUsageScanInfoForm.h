@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QElapsedTimer>
+#include <QTimer>
+#include <QWidget>
+
+#include <memory>
+
+namespace Ui {
+class DiskUsageScanInfoForm;
+}
+
+// The panel shown in place of the results while a scan or a memory release
+// runs: a title, a path line, an item counter, a progress bar and Cancel.
+class DiskUsageScanInfoForm : public QWidget {
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(DiskUsageScanInfoForm)
+
+public:
+    explicit DiskUsageScanInfoForm(QWidget* parent = nullptr);
+    ~DiskUsageScanInfoForm() override;
+
+    void setTitle(const QString& title);
+    void setPath(const QString& path);
+    // A negative count hides the counter. A scan reports every entry; the
+    // counter shows the newest count at most every 40 ms.
+    void setItemCount(int count);
+    void setMaximum(int maximum);
+    void step();
+    void disableCancel();
+
+signals:
+    void scanCancel();
+
+private slots:
+    void on_pushButton_clicked();
+
+private:
+    void showItemCount();
+
+    std::unique_ptr<Ui::DiskUsageScanInfoForm> ui;
+    int itemCount = 0;
+    QElapsedTimer sinceShown;
+    QTimer pendingCount;
+};

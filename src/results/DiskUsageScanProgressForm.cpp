@@ -1,0 +1,410 @@
+#include "DiskUsageScanProgressForm.h"
+
+#include "DiskUsageGraphDelegate.h"
+#include "DiskUsageScanInfoForm.h"
+#include "ResultDetailsDialog.h"
+#include "ShellActions.h"
+#include "scan/DiskUsageClearRamThread.h"
+#include "scan/DiskUsageWorkerThread.h"
+#include "ui_DiskUsageScanProgressForm.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QHeaderView>
+#include <QLabel>
+#include <QVBoxLayout>
+
+namespace {
+
+enum FolderColumn { Name, SizeText, Files, Folders, Size, Path, Percentage, MaxData, Index };
+enum BiggestColumn { FileName, FileSize, LastAccess, Folder, RawSize };
+enum DataFilesColumn { Category, Total, CategoryMebibytes = 4, CategoryIndex = 5 };
+constexpr int legendRows = 11;
+
+const QString folderIcon = QStringLiteral(":/resources/images/genericFolder16.png");
+const QString fileIcon = QStringLiteral(":/resources/images/generalFile16.png");
+const QString otherIcon = QStringLiteral(":/resources/images/genericOtherFile.png");
+
+QLabel* iconLabel(QWidget* parent)
+{
+    auto* label = new QLabel(parent);
+    label->setMaximumWidth(20);
+    return label;
+}
+
+QModelIndex firstSelected(const QTreeView* view)
+{
+    if (!view->selectionModel())
+        return {};
+    const QModelIndexList selected = view->selectionModel()->selectedIndexes();
+    return selected.isEmpty() ? QModelIndex() : selected.first();
+}
+
+} // namespace
+
+DiskUsageScanProgressForm::DiskUsageScanProgressForm(QWidget* parent)
+    : QWidget(parent)
+    , ui(std::make_unique<Ui::DiskUsageScanProgressForm>())
+{
+    ui->setupUi(this);
+    setUpViews();
+    buildLegend();
+    scanPanel = addScanPanel();
+    connect(scanPanel, &DiskUsageScanInfoForm::scanCancel, this,
+            &DiskUsageScanProgressForm::handleScanCancel);
+    ui->toolBar->hide();
+    ui->tabWidget->hide();
+    ui->tabWidget->setCurrentIndex(0);
+}
+
+DiskUsageScanProgressForm::~DiskUsageScanProgressForm()
+{
+    // A thread must not outlive the containers it writes into.
+    if (worker) {
+        worker->setCancel(true);
+        worker->wait();
+    }
+    if (releaseThread)
+        releaseThread->wait();
+}
+
+void DiskUsageScanProgressForm::setUpViews()
+{
+    generalModel.setHorizontalHeaderLabels({"Name", "Size", "File Count", "Folder Count", "Size",
+                                            "Path", "Percentage", "MaxData", "Index"});
+    biggestFilesModel.setHorizontalHeaderLabels(
+        {"Name", "Size", "Last Access Time", "Path", "Raw Size"});
+    dataFilesModel.setHorizontalHeaderLabels(
+        {"Name", "Total Size (All Files)", "Last Access Time", "Path", "Raw Size", "Index"});
+    for (QTreeView* view : {ui->treeView, ui->biggestFileTreeView, ui->dataFilesTreeView})
+        view->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    ui->treeView->setItemDelegate(new DiskUsageGraphDelegate(&generalModel, this));
+    // Clickable, but a click does not re-sort: rows keep the order of loading.
+    ui->treeView->header()->setSectionsClickable(true);
+    ui->dataFilesTreeView->header()->setSectionsClickable(true);
+}
+
+// Three columns side by side: icons, names, sizes. A summary row, a gap, ten
+// rows for the largest children, a smaller gap, and the row that usually
+// shows everything else.
+void DiskUsageScanProgressForm::buildLegend()
+{
+    auto* columns = new QHBoxLayout(ui->maxItemWidget);
+    QVBoxLayout* icons = new QVBoxLayout;
+    QVBoxLayout* names = new QVBoxLayout;
+    QVBoxLayout* sizes = new QVBoxLayout;
+    for (QVBoxLayout* column : {icons, names, sizes}) {
+        column->setAlignment(Qt::AlignTop);
+        columns->addLayout(column);
+    }
+    const auto addRow = [&](QLabel* icon, QLabel* name, QLabel* size) {
+        icons->addWidget(icon);
+        names->addWidget(name);
+        sizes->addWidget(size);
+    };
+    const auto addSpace = [&](int pixels) {
+        for (QVBoxLayout* column : {icons, names, sizes})
+            column->addSpacing(pixels);
+    };
+    summaryIcon = iconLabel(ui->maxItemWidget);
+    summaryName = new QLabel(ui->maxItemWidget);
+    summarySize = new QLabel(ui->maxItemWidget);
+    addRow(summaryIcon, summaryName, summarySize);
+    addSpace(20);
+    for (int row = 0; row < legendRows; ++row) {
+        if (row == legendRows - 1)
+            addSpace(10);
+        legendIcons << iconLabel(ui->maxItemWidget);
+        legendNames << new QLabel(ui->maxItemWidget);
+        legendSizes << new QLabel(ui->maxItemWidget);
+        addRow(legendIcons.last(), legendNames.last(), legendSizes.last());
+    }
+}
+
+DiskUsageScanInfoForm* DiskUsageScanProgressForm::addScanPanel()
+{
+    auto* panel = new DiskUsageScanInfoForm(this);
+    ui->pageLayout->addWidget(panel);
+    return panel;
+}
+
+void DiskUsageScanProgressForm::startScanning(const QString& path)
+{
+    if (scanPanel)
+        scanPanel->setTitle(QStringLiteral("Scanning in progress. Please wait ..."));
+    worker = new DiskUsageWorkerThread(this, path);
+    worker->setTargets({&generalModel, &dataFilesModel, &topItems, &biggestFiles, &dataFiles});
+    connect(worker, &DiskUsageWorkerThread::resultReady, this,
+            &DiskUsageScanProgressForm::handleResults);
+    connect(worker, &DiskUsageWorkerThread::updatePath, this,
+            &DiskUsageScanProgressForm::handleUpdatePath);
+    connect(worker, &DiskUsageWorkerThread::updateTotalItemScan, this,
+            &DiskUsageScanProgressForm::handleUpdateTotalItemScan);
+    connect(worker, &DiskUsageWorkerThread::updateTotalSubFolder, this,
+            &DiskUsageScanProgressForm::handleUpdateTotalSubFolder);
+    connect(worker, &DiskUsageWorkerThread::updateScanProgress, this,
+            &DiskUsageScanProgressForm::handleUpdateScanProgress);
+    worker->start(QThread::InheritPriority);
+}
+
+void DiskUsageScanProgressForm::cancelScan(bool cancel)
+{
+    cancelled = cancel;
+    if (worker)
+        worker->setCancel(cancel);
+}
+
+void DiskUsageScanProgressForm::handleUpdatePath(const QString& path)
+{
+    if (scanPanel)
+        scanPanel->setPath(path);
+}
+
+void DiskUsageScanProgressForm::handleUpdateTotalItemScan(int totalItem)
+{
+    if (scanPanel)
+        scanPanel->setItemCount(totalItem);
+}
+
+void DiskUsageScanProgressForm::handleUpdateTotalSubFolder(int total)
+{
+    if (scanPanel)
+        scanPanel->setMaximum(total);
+}
+
+void DiskUsageScanProgressForm::handleUpdateScanProgress()
+{
+    if (scanPanel)
+        scanPanel->step();
+}
+
+void DiskUsageScanProgressForm::handleScanCancel()
+{
+    cancelled = true;
+    releaseAfterResults = true;
+    if (worker)
+        worker->setCancel(true);
+}
+
+void DiskUsageScanProgressForm::handleResults()
+{
+    // The worker has written its last; it ends right after this signal.
+    if (worker)
+        worker->wait();
+    if (!cancelled && !releaseAfterResults) {
+        showFolderTree();
+        ui->toolBar->show();
+        ui->tabWidget->show();
+        generalModel.sort(Size, Qt::DescendingOrder);
+        showBiggestFiles();
+        showDataFiles();
+    }
+    if (scanPanel)
+        scanPanel->deleteLater();
+    scanPanel = nullptr;
+    ui->explorerGeneralButton->setEnabled(false);
+    emit scanFinish();
+    if (releaseAfterResults) {
+        startRelease();
+        return;
+    }
+    if (generalModel.rowCount() > 0)
+        ui->treeView->setCurrentIndex(generalModel.index(0, 0));
+}
+
+void DiskUsageScanProgressForm::showFolderTree()
+{
+    QTreeView* view = ui->treeView;
+    view->setModel(&generalModel);
+    view->expand(generalModel.index(0, 0));
+    connect(view->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            &DiskUsageScanProgressForm::OnTreeViewSelectionChanged);
+    view->setColumnWidth(Name, 200);
+    view->setColumnWidth(SizeText, 100);
+    for (int column = Size; column <= Index; ++column)
+        view->hideColumn(column);
+}
+
+void DiskUsageScanProgressForm::showBiggestFiles()
+{
+    for (const auto& file : std::as_const(biggestFiles)) {
+        const QFileInfo info(file.filePath);
+        auto* name = new QStandardItem(info.fileName());
+        name->setIcon(ShellActions::smallFileIcon(file.filePath));
+        auto* mebibytes = new QStandardItem;
+        mebibytes->setData(double(file.size) / 1048576.0, Qt::EditRole);
+        biggestFilesModel.appendRow(
+            {name, new QStandardItem(DiskUsageGlobal::sizeText(double(file.size))),
+             new QStandardItem(DiskUsageGlobal::lastAccessText(file.lastAccessTime)),
+             new QStandardItem(QDir::toNativeSeparators(info.path())), mebibytes});
+    }
+    QTreeView* view = ui->biggestFileTreeView;
+    view->setModel(&biggestFilesModel);
+    view->setColumnWidth(FileName, 300);
+    view->setColumnWidth(LastAccess, 200);
+    view->hideColumn(RawSize);
+}
+
+void DiskUsageScanProgressForm::showDataFiles()
+{
+    QTreeView* view = ui->dataFilesTreeView;
+    view->setModel(&dataFilesModel);
+    view->setColumnWidth(Category, 300);
+    for (int column = 2; column <= CategoryIndex; ++column)
+        view->hideColumn(column);
+    view->setColumnWidth(2, 200);
+    dataFilesModel.sort(CategoryMebibytes, Qt::DescendingOrder);
+    if (dataFilesModel.rowCount() > 0)
+        view->setCurrentIndex(dataFilesModel.index(0, 0));
+}
+
+void DiskUsageScanProgressForm::OnTreeViewSelectionChanged(const QItemSelection& selected,
+                                                           const QItemSelection&)
+{
+    if (selected.isEmpty()) {
+        ui->explorerGeneralButton->setEnabled(false);
+        return;
+    }
+    const QModelIndexList indexes = selected.indexes();
+    if (indexes.isEmpty())
+        return;
+    const QModelIndex row = indexes.first();
+    const quint64 total = row.siblingAtColumn(Size).data().toULongLong();
+    summaryIcon->setPixmap(QPixmap(folderIcon));
+    summaryName->setText(row.siblingAtColumn(Name).data().toString());
+    summarySize->setText(DiskUsageGlobal::sizeText(double(total)));
+    ui->explorerGeneralButton->setEnabled(!row.siblingAtColumn(Path).data().toString().isEmpty());
+
+    // name:size:kind; for each of the largest children, then the row count.
+    QString summary = row.siblingAtColumn(MaxData).data().toString();
+    quint64 listed = 0;
+    int filled = 0;
+    for (qsizetype end = summary.indexOf(';'); end >= 1 && filled < legendRows;
+         end = summary.indexOf(';')) {
+        const QString entry = summary.left(end);
+        const qsizetype colon = entry.indexOf(':');
+        const QString rest = entry.mid(colon + 1);
+        const qsizetype next = rest.indexOf(':');
+        const quint64 size = next > 0 ? rest.left(next).toULongLong() : 0;
+        const int kind = rest.mid(next + 1).toInt();
+        listed += size;
+        showLegendRow(filled++, kind == 1 ? folderIcon : fileIcon, shortenedName(entry.left(colon)),
+                      size);
+        summary.remove(0, end + 1);
+    }
+    for (int hidden = filled; hidden < legendRows; ++hidden) {
+        legendIcons[hidden]->hide();
+        legendNames[hidden]->hide();
+        legendSizes[hidden]->hide();
+    }
+    // Everything that is not among the largest children.
+    if (total > listed && filled < legendRows)
+        showLegendRow(filled, otherIcon, QStringLiteral("Other Smaller Items"), total - listed);
+}
+
+void DiskUsageScanProgressForm::showLegendRow(int row, const QString& icon, const QString& name,
+                                              quint64 size)
+{
+    legendIcons[row]->setPixmap(QPixmap(icon));
+    legendNames[row]->setText(name);
+    legendSizes[row]->setText(DiskUsageGlobal::sizeText(double(size)));
+    legendIcons[row]->show();
+    legendNames[row]->show();
+    legendSizes[row]->show();
+}
+
+QString DiskUsageScanProgressForm::shortenedName(const QString& name)
+{
+    if (name.size() <= 40)
+        return name;
+    return name.left(18) + QStringLiteral("...") + name.right(18);
+}
+
+void DiskUsageScanProgressForm::on_backButton_clicked()
+{
+    // Back twice, or during a release, starts nothing more.
+    if (releaseThread)
+        return;
+    startRelease();
+}
+
+void DiskUsageScanProgressForm::on_explorerGeneralButton_clicked()
+{
+    const QModelIndex row = firstSelected(ui->treeView);
+    if (row.isValid())
+        ShellActions::exploreFolder(this, row.siblingAtColumn(Path).data().toString());
+}
+
+QString DiskUsageScanProgressForm::selectedFilePath() const
+{
+    const QModelIndex row = firstSelected(ui->biggestFileTreeView);
+    if (!row.isValid())
+        return {};
+    return ShellActions::joinFolderAndName(row.siblingAtColumn(Folder).data().toString(),
+                                           row.siblingAtColumn(FileName).data().toString());
+}
+
+void DiskUsageScanProgressForm::on_explorerBiggestButton_clicked()
+{
+    const QString path = selectedFilePath();
+    if (!path.isEmpty())
+        ShellActions::showInExplorer(path, this);
+}
+
+void DiskUsageScanProgressForm::on_openFileBiggestButton_clicked()
+{
+    const QString path = selectedFilePath();
+    if (!path.isEmpty())
+        ShellActions::openFile(path);
+}
+
+void DiskUsageScanProgressForm::on_dataFilesViewButton_clicked()
+{
+    const QModelIndex row = firstSelected(ui->dataFilesTreeView);
+    const QVariant category = row.siblingAtColumn(CategoryIndex).data();
+    // A disabled category's row has no index, and no files to show.
+    if (!category.isValid())
+        return;
+    const int index = category.toInt();
+    auto* dialog = new ResultDetailsDialog(this);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setEntries(&dataFiles[index]);
+    dialog->setWindowTitle(row.siblingAtColumn(Category).data().toString() +
+                           QStringLiteral(" (20 Biggest Files)"));
+    dialog->fill();
+    dialog->exec();
+}
+
+void DiskUsageScanProgressForm::startRelease()
+{
+    QAbstractItemDelegate* delegate = ui->treeView->itemDelegate();
+    ui->treeView->setItemDelegate(nullptr);
+    delete delegate;
+    for (QTreeView* view : {ui->treeView, ui->biggestFileTreeView, ui->dataFilesTreeView})
+        view->setModel(nullptr);
+    ui->toolBar->hide();
+    ui->tabWidget->hide();
+
+    scanPanel = addScanPanel();
+    scanPanel->setTitle(QStringLiteral("Clearing RAM back to the system in progress."));
+    scanPanel->setPath(QStringLiteral("Please wait ..."));
+    scanPanel->setItemCount(-1);
+    scanPanel->disableCancel();
+    scanPanel->setMaximum(6);
+    emit clearRAMStart();
+
+    releaseThread =
+        new DiskUsageClearRamThread(this, &generalModel, &dataFilesModel, &biggestFilesModel);
+    connect(releaseThread, &DiskUsageClearRamThread::updateScanProgress, this,
+            &DiskUsageScanProgressForm::handleUpdateScanProgress);
+    connect(releaseThread, &DiskUsageClearRamThread::processFinish, this,
+            &DiskUsageScanProgressForm::onClearRamFinish);
+    releaseThread->start(QThread::InheritPriority);
+}
+
+void DiskUsageScanProgressForm::onClearRamFinish()
+{
+    releaseThread->wait();
+    emit clearRAMFinish();
+    emit backToMain();
+}
