@@ -20,14 +20,23 @@ enum FolderColumn { Name, SizeText, Files, Folders, Size, Path, Percentage, MaxD
 enum BiggestColumn { FileName, FileSize, LastAccess, Folder, RawSize };
 enum DataFilesColumn { Category, Total, CategoryMebibytes = 4, CategoryIndex = 5 };
 constexpr int legendRows = 11;
+// Icons and texts stand in separate columns; one height keeps their rows level.
+constexpr int legendRowHeight = 20;
 
 const QString folderIcon = QStringLiteral(":/resources/images/genericFolder16.png");
 const QString fileIcon = QStringLiteral(":/resources/images/generalFile16.png");
 const QString otherIcon = QStringLiteral(":/resources/images/genericOtherFile.png");
 
-QLabel* iconLabel(QWidget* parent)
+QLabel* legendLabel(QWidget* parent)
 {
     auto* label = new QLabel(parent);
+    label->setFixedHeight(legendRowHeight);
+    return label;
+}
+
+QLabel* iconLabel(QWidget* parent)
+{
+    QLabel* label = legendLabel(parent);
     label->setMaximumWidth(20);
     return label;
 }
@@ -107,16 +116,16 @@ void DiskUsageScanProgressForm::buildLegend()
             column->addSpacing(pixels);
     };
     summaryIcon = iconLabel(ui->maxItemWidget);
-    summaryName = new QLabel(ui->maxItemWidget);
-    summarySize = new QLabel(ui->maxItemWidget);
+    summaryName = legendLabel(ui->maxItemWidget);
+    summarySize = legendLabel(ui->maxItemWidget);
     addRow(summaryIcon, summaryName, summarySize);
     addSpace(20);
     for (int row = 0; row < legendRows; ++row) {
         if (row == legendRows - 1)
             addSpace(10);
         legendIcons << iconLabel(ui->maxItemWidget);
-        legendNames << new QLabel(ui->maxItemWidget);
-        legendSizes << new QLabel(ui->maxItemWidget);
+        legendNames << legendLabel(ui->maxItemWidget);
+        legendSizes << legendLabel(ui->maxItemWidget);
         addRow(legendIcons.last(), legendNames.last(), legendSizes.last());
     }
 }

@@ -1,0 +1,424 @@
+#include "IsolatedSettings.h"
+#include "results/DiskUsageGraphDelegate.h"
+#include "results/DiskUsageScanInfoForm.h"
+#include "results/DiskUsageScanProgressForm.h"
+#include "results/ResultDetailsDialog.h"
+#include "settings/ExclusionSettings.h"
+#include "settings/FileTypeCatalogue.h"
+
+#include <QDesktopServices>
+#include <QHeaderView>
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QTabWidget>
+#include <QToolButton>
+#include <QTreeView>
+#include <QtTest>
+
+// Catches what the screen hands to the desktop, so no test starts a program.
+class OpenedUrls : public QObject {
+    Q_OBJECT
+
+public:
+    QList<QUrl> urls;
+
+public slots:
+    void open(const QUrl& url) { urls << url; }
+};
+
+class TestResultsScreen : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanupTestCase();
+    void resultsShowTheScannedTree();
+    void theLegendListsTheLargestChildren();
+    void theBiggestFilesTab();
+    void theDataFilesTabAndItsDetails();
+    void buttonsFollowTheSelection();
+    void backReleasesAndReturnsHome();
+    void cancelDuringAScanReturnsHome();
+    void filesDeletedAfterTheScan();
+    void scanningPanel();
+    void detailsDialogSorting();
+    void sizeBars();
+    void namesAreShortened();
+
+private:
+    void makeFile(const QString& relative, qint64 size);
+    // A form with finished results for the tree.
+    std::unique_ptr<DiskUsageScanProgressForm> scanned();
+    template <typename T> static T* child(QObject* form, const char* name)
+    {
+        return form->findChild<T*>(QString::fromLatin1(name));
+    }
+    static QStringList visibleLegendNames(QObject* form);
+
+    IsolatedSettings isolated;
+    QTemporaryDir dir;
+    OpenedUrls opened;
+    const QString longName = QString(41, 'L');
+};
+
+// On Linux every hand-off goes through the desktop's opener, which the tests
+// catch; Windows hands paths to the shell directly, which would open windows.
+static bool handOffsAreCaught()
+{
+    return QSysInfo::kernelType() != QLatin1String("winnt");
+}
+
+#define SKIP_UNLESS_HAND_OFFS_ARE_CAUGHT()                                                         \
+    if (!handOffsAreCaught())                                                                      \
+    QSKIP("on Windows the shell itself would open windows; the hand-offs are checked on Linux")
+
+void TestResultsScreen::initTestCase()
+{
+    // No session bus: no file manager of the developer's desktop answers.
+    qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
+    QDesktopServices::setUrlHandler("file", &opened, "open");
+    FileTypeCatalogue::fillDefaults(FileTypeCatalogue::instance());
+    ExclusionSettings::excludeList().clear();
+    makeFile("big.iso", 5'000'000);
+    for (int i = 1; i <= 12; ++i)
+        makeFile(QString("docs/a%1.txt").arg(i, 2, 10, QChar('0')), i * 1000);
+    makeFile(longName + "/inside.bin", 2000);
+    makeFile("music/song.mp3", 300'000);
+    QVERIFY(QDir(dir.path()).mkdir("empty"));
+}
+
+void TestResultsScreen::init()
+{
+    opened.urls.clear();
+}
+
+void TestResultsScreen::cleanupTestCase()
+{
+    QDesktopServices::unsetUrlHandler("file");
+}
+
+void TestResultsScreen::makeFile(const QString& relative, qint64 size)
+{
+    const QString path = dir.filePath(relative);
+    QDir().mkpath(QFileInfo(path).path());
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QVERIFY(file.resize(size));
+}
+
+std::unique_ptr<DiskUsageScanProgressForm> TestResultsScreen::scanned()
+{
+    auto form = std::make_unique<DiskUsageScanProgressForm>();
+    form->resize(986, 513);
+    form->show();
+    QSignalSpy finished(form.get(), &DiskUsageScanProgressForm::scanFinish);
+    form->startScanning(QDir::toNativeSeparators(dir.path()));
+    if (!finished.wait(20000))
+        return nullptr;
+    // The scanning panel goes on the next pass of the event loop.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    return form;
+}
+
+QStringList TestResultsScreen::visibleLegendNames(QObject* form)
+{
+    // The legend's labels, top to bottom: the summary row, then the rows shown.
+    QList<QLabel*> labels;
+    for (QLabel* label : child<QWidget>(form, "maxItemWidget")->findChildren<QLabel*>()) {
+        if (label->isVisible() && !label->text().isEmpty() && !label->text().endsWith(" KB") &&
+            !label->text().endsWith(" MB") && !label->text().endsWith(" GB"))
+            labels << label;
+    }
+    std::sort(labels.begin(), labels.end(), [](QLabel* a, QLabel* b) { return a->y() < b->y(); });
+    QStringList names;
+    for (QLabel* label : labels)
+        names << label->text();
+    return names;
+}
+
+void TestResultsScreen::resultsShowTheScannedTree()
+{
+    auto form = scanned();
+    QVERIFY(form);
+    auto* tabs = child<QTabWidget>(form.get(), "tabWidget");
+    QVERIFY(tabs->isVisible());
+    QVERIFY(child<QWidget>(form.get(), "toolBar")->isVisible());
+    QCOMPARE(tabs->tabText(0), QStringLiteral("General"));
+    QCOMPARE(tabs->tabText(1), QStringLiteral("20 biggest Files"));
+    QCOMPARE(tabs->tabText(2), QStringLiteral("Data Files"));
+    QCOMPARE(tabs->currentIndex(), 0);
+    QVERIFY(!form->findChild<DiskUsageScanInfoForm*>() ||
+            !form->findChild<DiskUsageScanInfoForm*>()->isVisible());
+
+    auto* tree = child<QTreeView>(form.get(), "treeView");
+    const QModelIndex root = tree->model()->index(0, 0);
+    QCOMPARE(root.data().toString(), QFileInfo(dir.path()).fileName());
+    QVERIFY(tree->isExpanded(root));
+    QCOMPARE(tree->currentIndex(), root);
+    for (int column = 4; column <= 8; ++column)
+        QVERIFY(tree->isColumnHidden(column));
+    QCOMPARE(tree->columnWidth(0), 200);
+
+    // Largest first on every level, and a header click does not re-sort.
+    QStringList order;
+    for (int row = 0; row < tree->model()->rowCount(root); ++row)
+        order << tree->model()->index(row, 0, root).data().toString();
+    QCOMPARE(order, (QStringList{"music", "docs", longName, "empty"}));
+    emit tree->header()->sectionClicked(0);
+    emit tree->header()->sectionClicked(1);
+    QCOMPARE(tree->model()->index(0, 0, root).data().toString(), QStringLiteral("music"));
+}
+
+void TestResultsScreen::theLegendListsTheLargestChildren()
+{
+    auto form = scanned();
+    QVERIFY(form);
+    // The root: one file and four folders, which add up to the whole.
+    QCOMPARE(visibleLegendNames(form.get()),
+             (QStringList{QFileInfo(dir.path()).fileName(), "big.iso", "music", "docs",
+                          QString(18, 'L') + "..." + QString(18, 'L'), "empty"}));
+
+    // docs: twelve files, the ten largest listed and the rest summed up.
+    auto* tree = child<QTreeView>(form.get(), "treeView");
+    const QModelIndex docs = tree->model()->index(1, 0, tree->model()->index(0, 0));
+    tree->setCurrentIndex(docs);
+    const QStringList names = visibleLegendNames(form.get());
+    QCOMPARE(names.size(), 12);
+    QCOMPARE(names.at(1), QStringLiteral("a12.txt"));
+    QCOMPARE(names.last(), QStringLiteral("Other Smaller Items"));
+    bool remainderShown = false;
+    for (QLabel* label : child<QWidget>(form.get(), "maxItemWidget")->findChildren<QLabel*>())
+        remainderShown |= label->isVisible() && label->text() == QStringLiteral("2.93 KB");
+    QVERIFY(remainderShown);
+
+    // An empty folder: nothing listed, no remainder.
+    tree->setCurrentIndex(tree->model()->index(3, 0, tree->model()->index(0, 0)));
+    QCOMPARE(visibleLegendNames(form.get()), QStringList{"empty"});
+}
+
+void TestResultsScreen::theBiggestFilesTab()
+{
+    auto form = scanned();
+    QVERIFY(form);
+    auto* view = child<QTreeView>(form.get(), "biggestFileTreeView");
+    const QAbstractItemModel* model = view->model();
+    QCOMPARE(model->rowCount(), 15);
+    QCOMPARE(model->index(0, 0).data().toString(), QStringLiteral("big.iso"));
+    QCOMPARE(model->index(0, 1).data().toString(), QStringLiteral("4.77 MB"));
+    QCOMPARE(model->index(0, 3).data().toString(), QDir::toNativeSeparators(dir.path()));
+    QVERIFY(!model->index(0, 2).data().toString().isEmpty());
+    QCOMPARE(model->index(1, 0).data().toString(), QStringLiteral("song.mp3"));
+    QVERIFY(view->isColumnHidden(4));
+    QCOMPARE(view->columnWidth(0), 300);
+
+    SKIP_UNLESS_HAND_OFFS_ARE_CAUGHT();
+    view->setCurrentIndex(model->index(1, 0));
+    child<QToolButton>(form.get(), "openFileBiggestButton")->click();
+    QCOMPARE(opened.urls, QList<QUrl>{QUrl::fromLocalFile(dir.filePath("music/song.mp3"))});
+}
+
+void TestResultsScreen::theDataFilesTabAndItsDetails()
+{
+    auto form = scanned();
+    QVERIFY(form);
+    auto* view = child<QTreeView>(form.get(), "dataFilesTreeView");
+    const QAbstractItemModel* model = view->model();
+    QCOMPARE(model->rowCount(), 12);
+    // Largest total first: the disk image, the audio file, then the documents.
+    QCOMPARE(model->index(0, 0).data().toString(), QStringLiteral("Disk Image Files"));
+    QCOMPARE(model->index(1, 0).data().toString(), QStringLiteral("Audio Files"));
+    QCOMPARE(model->index(1, 1).data().toString(), QStringLiteral("292.97 KB"));
+    QCOMPARE(model->index(2, 0).data().toString(), QStringLiteral("Document Files"));
+    QCOMPARE(model->index(2, 1).data().toString(), QStringLiteral("76.17 KB"));
+    for (int column = 2; column <= 5; ++column)
+        QVERIFY(view->isColumnHidden(column));
+
+    view->setCurrentIndex(model->index(2, 0));
+    int rows = -1;
+    QString title;
+    QTimer::singleShot(0, this, [&] {
+        auto* dialog = qobject_cast<ResultDetailsDialog*>(QApplication::activeModalWidget());
+        if (!dialog)
+            return;
+        title = dialog->windowTitle();
+        rows = child<QTreeView>(dialog, "dataFilesTreeView")->model()->rowCount();
+        dialog->close();
+    });
+    child<QToolButton>(form.get(), "dataFilesViewButton")->click();
+    QCOMPARE(title, QStringLiteral("Document Files (20 Biggest Files)"));
+    QCOMPARE(rows, 12);
+}
+
+void TestResultsScreen::buttonsFollowTheSelection()
+{
+    auto form = scanned();
+    QVERIFY(form);
+    auto* explore = child<QToolButton>(form.get(), "explorerGeneralButton");
+    QVERIFY(explore->isEnabled());
+    SKIP_UNLESS_HAND_OFFS_ARE_CAUGHT();
+    explore->click();
+    QCOMPARE(opened.urls, QList<QUrl>{QUrl::fromLocalFile(dir.path())});
+
+    auto* tree = child<QTreeView>(form.get(), "treeView");
+    tree->selectionModel()->clearSelection();
+    QVERIFY(!explore->isEnabled());
+    opened.urls.clear();
+    explore->click();
+    QVERIFY(opened.urls.isEmpty());
+
+    // With nothing selected the other buttons do nothing.
+    child<QTreeView>(form.get(), "biggestFileTreeView")->selectionModel()->clearSelection();
+    child<QToolButton>(form.get(), "openFileBiggestButton")->click();
+    child<QToolButton>(form.get(), "explorerBiggestButton")->click();
+    QVERIFY(opened.urls.isEmpty());
+}
+
+void TestResultsScreen::backReleasesAndReturnsHome()
+{
+    auto form = scanned();
+    QVERIFY(form);
+    QSignalSpy start(form.get(), &DiskUsageScanProgressForm::clearRAMStart);
+    QSignalSpy finish(form.get(), &DiskUsageScanProgressForm::clearRAMFinish);
+    QSignalSpy home(form.get(), &DiskUsageScanProgressForm::backToMain);
+    QString title;
+    int maximum = 0;
+    connect(form.get(), &DiskUsageScanProgressForm::clearRAMStart, this, [&] {
+        auto* panel = form->findChild<DiskUsageScanInfoForm*>();
+        title = child<QLabel>(panel, "label")->text();
+        maximum = child<QProgressBar>(panel, "progressBar")->maximum();
+        QVERIFY(!child<QPushButton>(panel, "pushButton")->isEnabled());
+    });
+    auto* back = child<QToolButton>(form.get(), "backButton");
+    back->click();
+    back->click(); // a second press starts nothing more
+    QVERIFY(home.wait());
+    QCOMPARE(title, QStringLiteral("Clearing RAM back to the system in progress."));
+    QCOMPARE(maximum, 6);
+    QCOMPARE(start.count(), 1);
+    QCOMPARE(finish.count(), 1);
+    QTest::qWait(50);
+    QCOMPARE(home.count(), 1);
+    QVERIFY(!child<QWidget>(form.get(), "tabWidget")->isVisible());
+}
+
+void TestResultsScreen::cancelDuringAScanReturnsHome()
+{
+    DiskUsageScanProgressForm form;
+    form.show();
+    QSignalSpy finished(&form, &DiskUsageScanProgressForm::scanFinish);
+    QSignalSpy released(&form, &DiskUsageScanProgressForm::clearRAMStart);
+    QSignalSpy home(&form, &DiskUsageScanProgressForm::backToMain);
+    form.startScanning(dir.path());
+    auto* cancel = child<QPushButton>(form.findChild<DiskUsageScanInfoForm*>(), "pushButton");
+    cancel->click();
+    cancel->click();
+    QVERIFY(home.wait());
+    QCOMPARE(finished.count(), 1);
+    QCOMPARE(released.count(), 1);
+    QVERIFY(!child<QWidget>(&form, "tabWidget")->isVisible());
+    QVERIFY(!child<QTreeView>(&form, "treeView")->model());
+}
+
+void TestResultsScreen::filesDeletedAfterTheScan()
+{
+    SKIP_UNLESS_HAND_OFFS_ARE_CAUGHT();
+    auto form = scanned();
+    QVERIFY(form);
+    QVERIFY(QFile::rename(dir.filePath("big.iso"), dir.filePath("moved.iso")));
+    auto* view = child<QTreeView>(form.get(), "biggestFileTreeView");
+    view->setCurrentIndex(view->model()->index(0, 0));
+    child<QToolButton>(form.get(), "openFileBiggestButton")->click();
+    child<QToolButton>(form.get(), "explorerBiggestButton")->click();
+    QCOMPARE(opened.urls.size(), 2); // handed over all the same; nothing breaks
+    QVERIFY(QFile::rename(dir.filePath("moved.iso"), dir.filePath("big.iso")));
+}
+
+void TestResultsScreen::scanningPanel()
+{
+    DiskUsageScanInfoForm panel;
+    panel.show();
+    auto* counter = child<QLabel>(&panel, "itemScanLabel");
+    panel.setItemCount(0);
+    QCOMPARE(counter->text(), QStringLiteral("0 items scanned"));
+    QVERIFY(counter->isVisible());
+    // A burst of counts shows the last one soon after.
+    for (int count = 1; count <= 5000; ++count)
+        panel.setItemCount(count);
+    QTRY_COMPARE(counter->text(), QStringLiteral("5000 items scanned"));
+    panel.setItemCount(-1);
+    QVERIFY(!counter->isVisible());
+
+    QSignalSpy cancelled(&panel, &DiskUsageScanInfoForm::scanCancel);
+    auto* cancel = child<QPushButton>(&panel, "pushButton");
+    cancel->click();
+    cancel->click();
+    QCOMPARE(cancelled.count(), 2);
+    panel.setMaximum(3);
+    panel.step();
+    QCOMPARE(child<QProgressBar>(&panel, "progressBar")->value(), 1);
+}
+
+void TestResultsScreen::detailsDialogSorting()
+{
+    QList<DiskUsageGlobal::TMainDataFile> files{{"b.txt", "2.00 KB", "", "/x", 2048, 101},
+                                                {"a.txt", "1.00 KB", "", "/", 1024, 100},
+                                                {"c.txt", "3.00 KB", "", "/x/y", 3072, 102}};
+    ResultDetailsDialog dialog;
+    dialog.setEntries(&files);
+    dialog.fill();
+    auto* view = child<QTreeView>(&dialog, "dataFilesTreeView");
+    const auto names = [view] {
+        QStringList list;
+        for (int row = 0; row < view->model()->rowCount(); ++row)
+            list << view->model()->index(row, 0).data().toString();
+        return list;
+    };
+    QCOMPARE(names(), (QStringList{"c.txt", "b.txt", "a.txt"}));
+    QVERIFY(view->isColumnHidden(4) && view->isColumnHidden(5));
+    const auto clickHeader = [view](int section) { emit view->header()->sectionClicked(section); };
+    clickHeader(1);
+    const QStringList first = names();
+    clickHeader(1);
+    QCOMPARE(names(), QStringList(first.rbegin(), first.rend()));
+    clickHeader(0);
+    QVERIFY(names() == (QStringList{"a.txt", "b.txt", "c.txt"}) ||
+            names() == (QStringList{"c.txt", "b.txt", "a.txt"}));
+
+    QList<DiskUsageGlobal::TMainDataFile> none;
+    ResultDetailsDialog empty;
+    empty.setEntries(&none);
+    empty.fill();
+    QVERIFY(!child<QToolButton>(&empty, "explorerButton")->isEnabled());
+    QVERIFY(!child<QToolButton>(&empty, "openFileButton")->isEnabled());
+
+    // The root folder takes no second separator; other folders get one.
+    SKIP_UNLESS_HAND_OFFS_ARE_CAUGHT();
+    view->setCurrentIndex(view->model()->index(names().indexOf("a.txt"), 0));
+    opened.urls.clear();
+    child<QToolButton>(&dialog, "explorerButton")->click();
+    QCOMPARE(opened.urls, QList<QUrl>{QUrl::fromLocalFile("/")});
+}
+
+void TestResultsScreen::sizeBars()
+{
+    QCOMPARE(DiskUsageGraphDelegate::barWidth(200, 100.0), 200);
+    QCOMPARE(DiskUsageGraphDelegate::barWidth(200, 33.33), 66);
+    // The share is read as a whole number, rounded by Qt's conversion.
+    QCOMPARE(DiskUsageGraphDelegate::barWidth(200, 0.4), 0);
+    QCOMPARE(DiskUsageGraphDelegate::barWidth(200, 99.6), 200);
+    QCOMPARE(DiskUsageGraphDelegate::barWidth(200, 150.0), 300);
+    QCOMPARE(DiskUsageGraphDelegate::barWidth(200, QVariant()), 0);
+}
+
+void TestResultsScreen::namesAreShortened()
+{
+    QCOMPARE(DiskUsageScanProgressForm::shortenedName(QString(40, 'x')), QString(40, 'x'));
+    const QString name = QString(20, 'a') + "M" + QString(20, 'z');
+    QCOMPARE(DiskUsageScanProgressForm::shortenedName(name),
+             QString(18, 'a') + "..." + QString(18, 'z'));
+}
+
+QTEST_MAIN(TestResultsScreen)
+#include "tst_resultsscreen.moc"
