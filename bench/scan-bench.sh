@@ -12,31 +12,11 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 tree=${1:-/tmp/tallyroot-bench-tree}
-runs=3
+source bench/common.sh
+prepare "$tree" tallyroot-scan
 
-command -v /usr/bin/time >/dev/null 2>&1 || {
-    echo "Installing time"; DEBIAN_FRONTEND=noninteractive apt-get install -y -qq time >/dev/null; }
-cmake -S . -B build -G Ninja >/dev/null
-cmake --build build --target tallyroot-scan tallyroot-maketree >/dev/null
-
-if [ ! -f "$tree.done" ]; then
-    echo "Making the tree in $tree (once)..."
-    rm -rf "$tree"
-    build/bench/tallyroot-maketree "$tree"
-    touch "$tree.done"
-fi
-
-# measure NAME COMMAND...: prints "seconds peak-KiB" of the median run.
-measure() {
-    local name=$1; shift
-    "$@" >/dev/null 2>&1 # warm the cache
-    for _ in $(seq $runs); do
-        /usr/bin/time -f "%e %M" "$@" 2>&1 >/dev/null | tail -n 1
-    done | sort -n | sed -n "$(( (runs + 1) / 2 ))p"
-}
-
-read -r du_seconds du_kib < <(measure du du -sbl -x "$tree")
-read -r scan_seconds scan_kib < <(measure scan build/src/tallyroot-scan --defaults "$tree")
+read -r du_seconds du_kib < <(measure du -sbl -x "$tree")
+read -r scan_seconds scan_kib < <(measure build/src/tallyroot-scan --defaults "$tree")
 
 summary=$(build/src/tallyroot-scan --defaults "$tree" 2>/dev/null)
 scan_files=$(sed -E 's/.* ([0-9]+) files.*/\1/' <<<"$summary")
