@@ -11,6 +11,7 @@ set(TALLYROOT_PLATFORM_WIN32_SOURCES
     ${CMAKE_CURRENT_LIST_DIR}/win32/Win32Registry.cpp
     ${CMAKE_CURRENT_LIST_DIR}/win32/Win32Screen.cpp
     ${CMAKE_CURRENT_LIST_DIR}/win32/Win32Settings.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/win32/Win32Volumes.cpp
 )
 set(TALLYROOT_PLATFORM_WIN32_LIBRARIES advapi32 shell32 user32)
 set(TALLYROOT_PLATFORM_WIN32_DEFINITIONS UNICODE _UNICODE WIN32_LEAN_AND_MEAN NOMINMAX)
@@ -20,6 +21,7 @@ set(TALLYROOT_PLATFORM_WIN32_QT_SOURCES
     ${CMAKE_CURRENT_LIST_DIR}/win32/qt/Win32Shell.cpp
 )
 set(TALLYROOT_PLATFORM_POSIX_SOURCES
+    ${CMAKE_CURRENT_LIST_DIR}/posix/MountTable.cpp
     ${CMAKE_CURRENT_LIST_DIR}/posix/NativeText.cpp
     ${CMAKE_CURRENT_LIST_DIR}/posix/PosixDirectoryListing.cpp
     ${CMAKE_CURRENT_LIST_DIR}/posix/PosixFileTime.cpp
@@ -27,5 +29,6 @@ set(TALLYROOT_PLATFORM_POSIX_SOURCES
     ${CMAKE_CURRENT_LIST_DIR}/posix/PosixScreen.cpp
     ${CMAKE_CURRENT_LIST_DIR}/posix/PosixSettings.cpp
     ${CMAKE_CURRENT_LIST_DIR}/posix/PosixShell.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/posix/PosixVolumes.cpp
     ${CMAKE_CURRENT_LIST_DIR}/posix/SettingsFile.cpp
 )

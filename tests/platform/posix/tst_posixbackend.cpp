@@ -4,6 +4,7 @@
 #include "DirectoryListing.h"
 #include "IsolatedSettings.h"
 #include "UserFolders.h"
+#include "posix/MountTable.h"
 #include "settings/SettingsStore.h"
 
 #include <QDir>
@@ -24,6 +25,7 @@ private slots:
     void userFoldersFollowTheXdgConfiguration();
     void oneDriveComesFromTheEnvironmentOrTheHomeFolder();
     void anotherFileSystemIsNotEntered();
+    void localDisksFromTheMountTable();
 
 private:
     static QString configHome() { return qEnvironmentVariable("XDG_CONFIG_HOME"); }
@@ -192,6 +194,30 @@ void TestPosixBackend::anotherFileSystemIsNotEntered()
     QVERIFY(QFile::link(scratch.path(), scratch.filePath("self")));
     QVERIFY(
         !platform::DirectoryListing::open(scratch.path().toStdString()).openChild("self").isOpen());
+}
+
+void TestPosixBackend::localDisksFromTheMountTable()
+{
+    const std::string mountInfo =
+        "22 27 0:21 / /proc rw,relatime - proc proc rw\n"
+        "27 1 8:2 / / rw,relatime shared:1 - ext4 /dev/sda2 rw\n"
+        "28 27 8:3 / /home rw,relatime shared:2 master:1 - xfs /dev/sda3 rw\n"
+        "29 27 8:3 /shared /srv/shared rw - xfs /dev/sda3 rw\n"
+        "30 27 7:0 / /snap/core/1 ro,nodev - squashfs /dev/loop0 ro\n"
+        "31 27 0:40 / /mnt/nfs rw - nfs4 server:/export rw\n"
+        "32 27 8:17 / /media/USB\\040Stick rw - vfat /dev/sdb1 rw\n"
+        "33 27 8:18 / /mnt/old ro - ext4 /dev/sdb2 rw\n"
+        "34 27 0:25 / /tmp rw - tmpfs tmpfs rw\n"
+        "garbage line\n";
+    const auto disks = posix::MountTable::localDisks(mountInfo);
+    QStringList points;
+    for (const auto& disk : disks)
+        points << QString::fromStdString(disk.mountPoint);
+    // Each device once, its whole file system rather than a bind mount of a part.
+    QCOMPARE(points, (QStringList{"/", "/home", "/media/USB Stick", "/mnt/old"}));
+    QCOMPARE(disks[1].fileSystem, std::string("xfs"));
+    QVERIFY(!disks[0].readOnly);
+    QVERIFY(disks[3].readOnly);
 }
 
 QTEST_GUILESS_MAIN(TestPosixBackend)

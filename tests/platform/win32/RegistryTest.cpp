@@ -7,6 +7,7 @@
 #include "ScreenMetrics.h"
 #include "SettingsBackend.h"
 #include "UserFolders.h"
+#include "Volumes.h"
 #include "win32/RegistryKey.h"
 #include "win32/Win32Registry.h"
 
@@ -142,6 +143,17 @@ TEST_CASE(downloadsAndOneDriveComeFromTheUserHive)
     CHECK(platform::oneDriveFolderPath() == oneDrive);
     RegDeleteKeyValueW(HKEY_CURRENT_USER, platform::settingsKey().c_str(), L"OneDrive");
     CHECK(platform::oneDriveFolderPath().empty());
+}
+
+TEST_CASE(wineHasFixedDrivesCAndZ)
+{
+    std::wstring drives;
+    for (const auto& volume : platform::fixedVolumes())
+        drives += volume.drive;
+    CHECK(drives.find(L"C:") != std::wstring::npos);
+    CHECK(drives.find(L"Z:") != std::wstring::npos);
+    for (const auto& volume : platform::fixedVolumes())
+        CHECK(volume.rootPath == volume.drive + L"\\");
 }
 
 TEST_CASE(theFullScreenAreaIsKnown)
