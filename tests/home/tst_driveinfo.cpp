@@ -1,4 +1,7 @@
+#include "home/DiskUsageDetailInfoDialog.h"
 #include "home/DriveInfo.h"
+
+#include <QTreeView>
 
 #include <QtTest>
 
@@ -13,6 +16,7 @@ private slots:
     void figuresAndTexts();
     void namesAndFeatures();
     void thisMachinesDisks();
+    void theDetailsDialog();
 };
 
 void TestDriveInfo::serialText_data()
@@ -89,5 +93,41 @@ void TestDriveInfo::thisMachinesDisks()
     }
 }
 
-QTEST_GUILESS_MAIN(TestDriveInfo)
+void TestDriveInfo::theDetailsDialog()
+{
+    platform::VolumeRecord volume;
+    volume.drive = L"C:";
+    volume.rootPath = L"C:\\";
+    volume.label = L"System";
+    volume.serialNumber = 0x1A2B3C4D;
+    volume.fileSystem = L"NTFS";
+    volume.totalBytes = 100ull << 30;
+    volume.freeToCaller = 25ull << 30;
+    volume.flags = CaseSensitiveSearch | VolumeQuotas;
+    DiskUsageDetailInfoDialog dialog;
+    dialog.fill(DriveInfo::fromVolume(volume));
+    QCOMPARE(dialog.windowTitle(), QStringLiteral("System (C:)"));
+
+    const auto* view = dialog.findChild<QTreeView*>("treeView");
+    const QAbstractItemModel* model = view->model();
+    QCOMPARE(model->rowCount(), 2);
+    const QModelIndex general = model->index(0, 0);
+    const QModelIndex features = model->index(1, 0);
+    QCOMPARE(general.data().toString(), QStringLiteral("General"));
+    QVERIFY(!general.data(Qt::DecorationRole).value<QIcon>().isNull());
+    QCOMPARE(model->rowCount(general), 10);
+    QCOMPARE(model->index(1, 1, general).data().toString(), QStringLiteral("1A2B-3C4D"));
+    QCOMPARE(model->index(4, 0, general).data().toString(), QStringLiteral("Total Space"));
+    QCOMPARE(model->index(4, 1, general).data().toString(), QStringLiteral("100.00 GB"));
+    QCOMPARE(features.data().toString(), QStringLiteral("File System Features"));
+    QCOMPARE(model->rowCount(features), 19);
+    QCOMPARE(model->index(1, 0, features).data().toString(), QStringLiteral("Case Sensitive"));
+    QCOMPARE(model->index(1, 1, features).data().toString(), QStringLiteral("Yes"));
+    QCOMPARE(model->index(0, 1, features).data().toString(), QStringLiteral("No"));
+    QCOMPARE(model->index(18, 1, features).data().toString(), QStringLiteral("Yes"));
+    QVERIFY(view->isExpanded(general) && view->isExpanded(features));
+    QCOMPARE(view->columnWidth(0), 340);
+}
+
+QTEST_MAIN(TestDriveInfo)
 #include "tst_driveinfo.moc"
