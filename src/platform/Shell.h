@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QIcon>
+#include <QPixmap>
 #include <QString>
 #include <QWidget>
 
@@ -20,5 +21,10 @@ void openFile(const QString& path);
 [[nodiscard]] QIcon smallFileIcon(const QString& path);
 // The small icon the desktop shows for a folder. Call from the GUI thread.
 [[nodiscard]] QIcon folderIcon();
+// The large (48x48) icon of a drive or folder for the home screen's cards;
+// none when the desktop has none.
+[[nodiscard]] QPixmap largeIcon(const QString& path);
+// Asks the user for a folder, starting at `start`; empty when cancelled.
+[[nodiscard]] QString browseForFolder(const QString& title, const QString& start);
 
 } // namespace platform

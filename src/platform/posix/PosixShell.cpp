@@ -4,6 +4,7 @@
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDesktopServices>
+#include <QFileDialog>
 #include <QFileIconProvider>
 #include <QFileInfo>
 #include <QUrl>
@@ -50,6 +51,19 @@ QIcon smallFileIcon(const QString& path)
 QIcon folderIcon()
 {
     return QFileIconProvider().icon(QFileIconProvider::Folder);
+}
+
+QPixmap largeIcon(const QString& path)
+{
+    const QFileInfo info(path);
+    if (!info.exists())
+        return {};
+    return QFileIconProvider().icon(info).pixmap(48, 48);
+}
+
+QString browseForFolder(const QString& title, const QString& start)
+{
+    return QFileDialog::getExistingDirectory(nullptr, title, start);
 }
 
 } // namespace platform

@@ -6,10 +6,13 @@
 #include <QPixmap>
 #include <QProcess>
 
-// windows.h must come before the shell's header.
+// windows.h must come before the shell's headers.
 #include <windows.h>
 // (keep)
+#include <commctrl.h>
+#include <commoncontrols.h>
 #include <shellapi.h>
+#include <shlobj.h>
 
 namespace platform {
 
@@ -60,6 +63,62 @@ QIcon smallFileIcon(const QString& path)
     QIcon icon(QPixmap::fromImage(QImage::fromHICON(info.hIcon)));
     DestroyIcon(info.hIcon);
     return icon;
+}
+
+QPixmap largeIcon(const QString& path)
+{
+    SHFILEINFOW info{};
+    const std::wstring file = wide(path);
+    if (SHGetFileInfoW(file.c_str(), FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_NORMAL, &info,
+                       sizeof info, SHGFI_ICON | SHGFI_SMALLICON) == 0)
+        return {};
+    DestroyIcon(info.hIcon);
+    // The same icon at 48x48 from the system's extra-large image list.
+    IImageList* list = nullptr;
+    if (FAILED(SHGetImageList(SHIL_EXTRALARGE, __uuidof(IImageList),
+                              reinterpret_cast<void**>(&list))) ||
+        !list)
+        return {};
+    HICON icon = ImageList_GetIcon(reinterpret_cast<HIMAGELIST>(list), info.iIcon, 0);
+    list->Release();
+    if (!icon)
+        return {};
+    QPixmap pixmap = QPixmap::fromImage(QImage::fromHICON(icon));
+    DestroyIcon(icon);
+    return pixmap;
+}
+
+namespace {
+
+int CALLBACK selectStart(HWND window, UINT message, LPARAM, LPARAM start)
+{
+    if (message == BFFM_INITIALIZED)
+        SendMessageW(window, BFFM_SETSELECTIONW, TRUE, start);
+    return 0;
+}
+
+} // namespace
+
+QString browseForFolder(const QString& title, const QString& start)
+{
+    const std::wstring caption = wide(title);
+    const std::wstring startPath = wide(start);
+    BROWSEINFOW browse{};
+    browse.lpszTitle = caption.c_str();
+    browse.ulFlags = BIF_RETURNONLYFSDIRS | BIF_EDITBOX | BIF_NEWDIALOGSTYLE;
+    browse.lpfn = selectStart;
+    browse.lParam = reinterpret_cast<LPARAM>(startPath.c_str());
+    LPITEMIDLIST chosen = SHBrowseForFolderW(&browse);
+    if (!chosen)
+        return {};
+    wchar_t path[MAX_PATH] = {};
+    const bool found = SHGetPathFromIDListW(chosen, path);
+    IMalloc* allocator = nullptr;
+    if (SUCCEEDED(SHGetMalloc(&allocator)) && allocator) {
+        allocator->Free(chosen);
+        allocator->Release();
+    }
+    return found ? QString::fromWCharArray(path) : QString();
 }
 
 QIcon folderIcon()

@@ -1,0 +1,30 @@
+#include "AboutDialog.h"
+
+#include "WebLinks.h"
+#include "ui_AboutDialog.h"
+
+AboutDialog::AboutDialog(QWidget* parent)
+    : QDialog(parent)
+    , ui(std::make_unique<Ui::AboutDialog>())
+{
+    ui->setupUi(this);
+    const bool windows = QSysInfo::kernelType() == QLatin1String("winnt");
+    ui->label_5->setText(windows ? QStringLiteral("for Windows 11/10")
+                                 : QStringLiteral("for Linux"));
+    const QString shown = WebLinks::webAddress().isEmpty() ? QStringLiteral("Tallyroot User Guide")
+                                                           : WebLinks::webAddress();
+    ui->webLabel->setText(QStringLiteral("<a href=\"%1\">%2</a>")
+                              .arg(WebLinks::website().toString(), shown.toHtmlEscaped()));
+    ui->webLabel->setTextFormat(Qt::RichText);
+    ui->webLabel->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::LinksAccessibleByMouse |
+                                          Qt::LinksAccessibleByKeyboard);
+    ui->webLabel->setOpenExternalLinks(true);
+    ui->label->setText(QStringLiteral("Tallyroot"));
+}
+
+AboutDialog::~AboutDialog() = default;
+
+void AboutDialog::on_closeButton_clicked()
+{
+    close();
+}

@@ -1,0 +1,52 @@
+#include "DiskUsageItemInfoForm.h"
+
+#include "platform/Shell.h"
+#include "ui_DiskUsageItemInfoForm.h"
+
+DiskUsageItemInfoForm::DiskUsageItemInfoForm(QWidget* parent)
+    : QWidget(parent)
+    , ui(std::make_unique<Ui::DiskUsageItemInfoForm>())
+{
+    ui->setupUi(this);
+}
+
+DiskUsageItemInfoForm::~DiskUsageItemInfoForm() = default;
+
+void DiskUsageItemInfoForm::setVolumeName(const QString& name)
+{
+    ui->volumeLabel->setText(name);
+    ui->volumeLabel->adjustSize();
+}
+
+void DiskUsageItemInfoForm::setFileSystem(const QString& fileSystem)
+{
+    ui->fsLabel->setText(fileSystem);
+    ui->fsLabel->adjustSize();
+}
+
+void DiskUsageItemInfoForm::setSizeText(const QString& text)
+{
+    ui->sizeLabel->setText(text);
+}
+
+void DiskUsageItemInfoForm::setUsedPercent(int percent)
+{
+    ui->progressBar->setValue(percent);
+}
+
+void DiskUsageItemInfoForm::setRootPath(const QString& path)
+{
+    const QPixmap icon = platform::largeIcon(path);
+    if (!icon.isNull())
+        ui->icon->setPixmap(icon);
+}
+
+void DiskUsageItemInfoForm::on_infoButton_clicked()
+{
+    emit showDetails(diskIndex);
+}
+
+void DiskUsageItemInfoForm::on_startButton_clicked()
+{
+    emit startScan(diskIndex);
+}
