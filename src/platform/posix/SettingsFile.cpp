@@ -229,14 +229,24 @@ bool SettingsFile::save() const
     return true;
 }
 
-std::optional<SettingsFile::Entry> SettingsFile::find(const std::wstring& name) const
+// The last line that holds the value decides, as a later line overrides.
+std::optional<std::size_t> SettingsFile::lastLineOf(const std::wstring& name) const
 {
-    for (auto it = lines.rbegin(); it != lines.rend(); ++it) {
-        auto fields = split(*it);
+    for (std::size_t index = lines.size(); index-- > 0;) {
+        const auto fields = split(lines[index]);
         if (fields && sameName(fields->name, name))
-            return Entry{fields->type, fields->payload};
+            return index;
     }
     return std::nullopt;
+}
+
+std::optional<SettingsFile::Entry> SettingsFile::find(const std::wstring& name) const
+{
+    const auto index = lastLineOf(name);
+    if (!index)
+        return std::nullopt;
+    const auto fields = split(lines[*index]);
+    return Entry{fields->type, fields->payload};
 }
 
 std::optional<std::uint32_t> SettingsFile::dword(const std::wstring& name) const
@@ -270,14 +280,10 @@ void SettingsFile::setText(const std::wstring& name, const std::wstring& text)
 
 void SettingsFile::set(const std::wstring& name, const std::string& line)
 {
-    for (auto it = lines.rbegin(); it != lines.rend(); ++it) {
-        const auto fields = split(*it);
-        if (fields && sameName(fields->name, name)) {
-            *it = line;
-            return;
-        }
-    }
-    lines.push_back(line);
+    if (const auto index = lastLineOf(name))
+        lines[*index] = line;
+    else
+        lines.push_back(line);
 }
 
 } // namespace posix

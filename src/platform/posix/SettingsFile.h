@@ -33,6 +33,7 @@ private:
         std::string type;
         std::string payload;
     };
+    [[nodiscard]] std::optional<std::size_t> lastLineOf(const std::wstring& name) const;
     [[nodiscard]] std::optional<Entry> find(const std::wstring& name) const;
     void set(const std::wstring& name, const std::string& line);
 

@@ -23,6 +23,14 @@ std::wstring wide(const QString& text)
     return text.toStdWString();
 }
 
+// The shell's small icon of a path, and its index in the system image list.
+bool shellIconOf(const QString& path, SHFILEINFOW& info)
+{
+    const std::wstring file = wide(path);
+    return SHGetFileInfoW(file.c_str(), FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_NORMAL, &info,
+                          sizeof info, SHGFI_ICON | SHGFI_SMALLICON) != 0;
+}
+
 } // namespace
 
 void exploreFolder(QWidget* owner, const QString& path)
@@ -56,9 +64,7 @@ void openFile(const QString& path)
 QIcon smallFileIcon(const QString& path)
 {
     SHFILEINFOW info{};
-    const std::wstring file = wide(path);
-    if (SHGetFileInfoW(file.c_str(), FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_NORMAL, &info,
-                       sizeof info, SHGFI_ICON | SHGFI_SMALLICON) == 0)
+    if (!shellIconOf(path, info))
         return {};
     QIcon icon(QPixmap::fromImage(QImage::fromHICON(info.hIcon)));
     DestroyIcon(info.hIcon);
@@ -68,9 +74,7 @@ QIcon smallFileIcon(const QString& path)
 QPixmap largeIcon(const QString& path)
 {
     SHFILEINFOW info{};
-    const std::wstring file = wide(path);
-    if (SHGetFileInfoW(file.c_str(), FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_NORMAL, &info,
-                       sizeof info, SHGFI_ICON | SHGFI_SMALLICON) == 0)
+    if (!shellIconOf(path, info))
         return {};
     DestroyIcon(info.hIcon);
     // The same icon at 48x48 from the system's extra-large image list.
