@@ -1,6 +1,7 @@
 #include "MainWindow.h"
 
 #include "WindowGeometry.h"
+#include "home/DiskUsageForm.h"
 #include "ui_MainWindow.h"
 
 #include <QCloseEvent>
@@ -14,7 +15,8 @@ MainWindow::MainWindow(QWidget* parent)
     restoreGeometry();
 
     stackedLayout = new QStackedLayout;
-    homeForm = new QWidget(this);
+    homeForm = new DiskUsageForm(this);
+    homeForm->show();
     stackedLayout->addWidget(homeForm);
     ui->centralwidget->setLayout(stackedLayout);
     setWindowTitle(tr("Tallyroot"));
@@ -38,5 +40,18 @@ void MainWindow::restoreGeometry()
 void MainWindow::closeEvent(QCloseEvent* event)
 {
     WindowGeometry::fromRect(geometry()).write();
-    event->accept();
+    if (!homeForm) {
+        event->accept();
+        return;
+    }
+    // A scan is told to stop and does not hold the window; a release in
+    // progress does, until it has finished.
+    if (homeForm->isScanning)
+        homeForm->stopScan();
+    if (homeForm->isClearingRam) {
+        homeForm->stopScan();
+        event->ignore();
+    } else {
+        event->accept();
+    }
 }

@@ -4,6 +4,7 @@
 
 #include <memory>
 
+class DiskUsageForm;
 class QStackedLayout;
 
 namespace Ui {
@@ -27,7 +28,6 @@ private:
     void restoreGeometry();
 
     std::unique_ptr<Ui::MainWindow> ui;
-    // Holds the home screen's place until the home screen exists.
-    QWidget* homeForm = nullptr;
+    DiskUsageForm* homeForm = nullptr;
     QStackedLayout* stackedLayout = nullptr;
 };

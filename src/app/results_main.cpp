@@ -1,6 +1,6 @@
-// tallyroot-results: a developer's way to the results screen until the home
-// screen leads there. Scans the folder given and shows the results; Back
-// releases them and closes the window.
+// tallyroot-results: the results screen on its own, for developers and the
+// benchmark. Scans the folder given and shows the results; Back releases them
+// and closes the window.
 
 #include "results/DiskUsageScanProgressForm.h"
 #include "settings/ExclusionSettings.h"

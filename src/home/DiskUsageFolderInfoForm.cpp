@@ -24,8 +24,8 @@ void DiskUsageFolderInfoForm::setPath(const QString& path)
     ui->folderPathLabel->setText(path);
     ui->folderPathLabel->adjustSize();
     const QPixmap icon = platform::largeIcon(path);
-    if (!icon.isNull())
-        ui->icon->setPixmap(icon);
+    ui->icon->setPixmap(
+        icon.isNull() ? QPixmap(QStringLiteral(":/resources/images/genericFolder48.png")) : icon);
 }
 
 void DiskUsageFolderInfoForm::on_startButton_clicked()

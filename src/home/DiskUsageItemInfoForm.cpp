@@ -37,8 +37,8 @@ void DiskUsageItemInfoForm::setUsedPercent(int percent)
 void DiskUsageItemInfoForm::setRootPath(const QString& path)
 {
     const QPixmap icon = platform::largeIcon(path);
-    if (!icon.isNull())
-        ui->icon->setPixmap(icon);
+    ui->icon->setPixmap(icon.isNull() ? QPixmap(QStringLiteral(":/resources/images/Drive48.png"))
+                                      : icon);
 }
 
 void DiskUsageItemInfoForm::on_infoButton_clicked()

@@ -76,3 +76,8 @@ int DriveInfo::usedPercent() const
 {
     return static_cast<int>(100 - freePercent);
 }
+
+QString DriveInfo::scanPath() const
+{
+    return letter ? rootPath.chopped(1) : rootPath;
+}

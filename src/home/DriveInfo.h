@@ -41,6 +41,8 @@ struct DriveInfo {
 
     // "12.50 GB free of 100.00 GB (12.50%)"
     [[nodiscard]] QString sizeText() const;
+    // What a scan of the disk is given: "C:" for C:\, the mount point on Linux.
+    [[nodiscard]] QString scanPath() const;
     // The used share in whole percent, for the card's bar.
     [[nodiscard]] int usedPercent() const;
 };

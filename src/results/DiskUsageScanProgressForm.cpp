@@ -200,6 +200,13 @@ void DiskUsageScanProgressForm::handleResults()
     // The worker has written its last; it ends right after this signal.
     if (worker)
         worker->wait();
+    // The panel goes first: shown together with the tabs for a moment, the
+    // two would make the window grow to hold both.
+    if (scanPanel) {
+        scanPanel->hide();
+        scanPanel->deleteLater();
+    }
+    scanPanel = nullptr;
     if (!cancelled && !releaseAfterResults) {
         showFolderTree();
         ui->toolBar->show();
@@ -208,9 +215,6 @@ void DiskUsageScanProgressForm::handleResults()
         showBiggestFiles();
         showDataFiles();
     }
-    if (scanPanel)
-        scanPanel->deleteLater();
-    scanPanel = nullptr;
     ui->explorerGeneralButton->setEnabled(false);
     emit scanFinish();
     if (releaseAfterResults) {

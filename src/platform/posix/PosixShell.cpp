@@ -58,7 +58,9 @@ QPixmap largeIcon(const QString& path)
     const QFileInfo info(path);
     if (!info.exists())
         return {};
-    return QFileIconProvider().icon(info).pixmap(48, 48);
+    const QPixmap pixmap = QFileIconProvider().icon(info).pixmap(48, 48);
+    // Without an icon theme the style's own icons are too small for a card.
+    return pixmap.width() >= 48 ? pixmap : QPixmap();
 }
 
 QString browseForFolder(const QString& title, const QString& start)

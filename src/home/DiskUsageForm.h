@@ -1,0 +1,84 @@
+#pragma once
+
+#include "DriveInfo.h"
+
+#include <QStringList>
+#include <QWidget>
+
+#include <array>
+#include <memory>
+
+class ClickableLabel;
+class DiskUsageScanProgressForm;
+class QStackedLayout;
+
+namespace Ui {
+class DiskUsageForm;
+}
+
+// The home screen: cards for the local disks and the user's own folders, the
+// folders scanned last, and the options. Whatever is picked becomes one path
+// that a new results screen scans; the results replace this page until the
+// user goes back.
+class DiskUsageForm : public QWidget {
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(DiskUsageForm)
+
+public:
+    static constexpr int recentRowCount = 5;
+
+    explicit DiskUsageForm(QWidget* parent = nullptr);
+    ~DiskUsageForm() override;
+
+    // A results screen exists and its scan has not finished.
+    bool isScanning = false;
+    // The results screen is releasing its results.
+    bool isClearingRam = false;
+
+    // Asks a running scan or release to end; once it has, closeApp() follows.
+    void stopScan();
+    [[nodiscard]] const QStringList& recentFolders() const { return recentPaths; }
+    // Longer paths show as their first and last 16 characters around "...".
+    [[nodiscard]] static QString shortenedPath(const QString& path);
+
+signals:
+    void showToolbarSignal(bool show);
+    void closeApp();
+
+public slots:
+    void OnShowDetails(int diskIndex);
+    void OnStartScan(int diskIndex);
+    void OnBackToMain();
+    void OnScanFinish();
+    void OnClearRAMStart();
+    void OnClearRAMFinish();
+
+private slots:
+    void on_selectFolderButton_clicked();
+    void on_websiteButton_clicked();
+    void on_aboutButton_clicked();
+    void on_RecentPathClicked();
+    void on_upgradeButton_clicked();
+
+private:
+    enum SpecialFolderIndex { Documents, Downloads, Music, Pictures, Videos, Profile };
+
+    void addDriveCards();
+    void addFolderCards();
+    void addRecentRows();
+    void loadRecentPaths();
+    void showRecentPaths();
+    void rememberRecentPath(const QString& path);
+    void startScan(const QString& path);
+    void closeIfRequested();
+
+    std::unique_ptr<Ui::DiskUsageForm> ui;
+    QList<DriveInfo> drives;
+    std::array<QString, 6> specialFolderPaths;
+    bool closeRequested = false;
+    DiskUsageScanProgressForm* resultsScreen = nullptr;
+    QStringList recentPaths;
+    QList<ClickableLabel*> recentIconLabels;
+    QList<ClickableLabel*> recentTextLabels;
+    QStackedLayout* stackedLayout = nullptr;
+};

@@ -1,0 +1,504 @@
+#include "IsolatedSettings.h"
+#include "app/MainWindow.h"
+#include "home/AboutDialog.h"
+#include "home/ClickableLabel.h"
+#include "home/DiskUsageDetailInfoDialog.h"
+#include "home/DiskUsageFolderInfoForm.h"
+#include "home/DiskUsageForm.h"
+#include "home/DiskUsageItemInfoForm.h"
+#include "home/DriveInfo.h"
+#include "home/UpgradeDialog.h"
+#include "home/WebLinks.h"
+#include "results/DiskUsageScanProgressForm.h"
+#include "settings/SettingsStore.h"
+
+#include <QDesktopServices>
+#include <QFileDialog>
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QStackedLayout>
+#include <QTabWidget>
+#include <QToolButton>
+#include <QTreeView>
+#include <QtTest>
+
+#include <functional>
+
+// Catches what the home screen hands to the desktop.
+class OpenedUrls : public QObject {
+    Q_OBJECT
+
+public:
+    QList<QUrl> urls;
+
+public slots:
+    void open(const QUrl& url) { urls << url; }
+};
+
+class TestHomeScreen : public QObject {
+    Q_OBJECT
+
+public:
+    TestHomeScreen();
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanupTestCase();
+    void recentRowsShowTheStoredFoldersThatExist();
+    void longPathsAreShortened();
+    void aRecentRowScansAndBackReturnsHome();
+    void aFileInTheRecentListScansWithoutHarm();
+    void aRowWhoseFolderWasDeletedLeavesTheList();
+    void aSixthFolderIsWrittenButNotReadBack();
+    void theFolderPickerAndTheSameFolderInOtherCase();
+    void driveCardsShowTheDisks();
+    void folderCardsShowTheSpecialFolders();
+    void closingDuringAScanStopsItAndCloses();
+    void closingDuringAReleaseWaitsForIt();
+    void toolbarButtons();
+    void clickableLabelReportsPresses();
+
+private:
+    QString folder(const QString& name);
+    static void storeRecent(const QStringList& paths);
+    static QStringList storedRecent(int count);
+    static ClickableLabel* recentText(DiskUsageForm& form, int row);
+    static DiskUsageScanProgressForm* resultsOf(DiskUsageForm& form);
+    static void setTab(DiskUsageForm& form, int index);
+    // Runs `check` on the next modal dialog to open, then closes it.
+    static void onNextModal(std::function<void(QWidget*)> check);
+    static bool finishScan(DiskUsageForm& form);
+    static bool goBack(DiskUsageForm& form);
+
+    IsolatedSettings isolated;
+    QTemporaryDir dir;
+    OpenedUrls opened;
+};
+
+TestHomeScreen::TestHomeScreen()
+{
+#ifndef Q_OS_WIN
+    // The special folders come from the home folder; a small one of our own.
+    qputenv("HOME", QDir(dir.path()).filePath("home").toLocal8Bit());
+#endif
+}
+
+void TestHomeScreen::initTestCase()
+{
+    qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
+    QDesktopServices::setUrlHandler("file", &opened, "open");
+    for (const char* name :
+         {"home/Documents/notes", "alpha", "beta", "ALPHA", "one", "two", "three", "four", "five"})
+        QVERIFY(QDir(dir.path()).mkpath(name));
+    QFile file(dir.filePath("alpha/report.txt"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QVERIFY(file.resize(4096));
+}
+
+void TestHomeScreen::init()
+{
+    isolated.clear();
+    opened.urls.clear();
+}
+
+void TestHomeScreen::cleanupTestCase()
+{
+    QDesktopServices::unsetUrlHandler("file");
+}
+
+QString TestHomeScreen::folder(const QString& name)
+{
+    return QDir::toNativeSeparators(dir.filePath(name));
+}
+
+void TestHomeScreen::storeRecent(const QStringList& paths)
+{
+    for (int i = 0; i < paths.size(); ++i)
+        SettingsStore::writeString(QStringLiteral("RecentFile%1").arg(i + 1), paths.at(i));
+}
+
+QStringList TestHomeScreen::storedRecent(int count)
+{
+    QStringList paths;
+    for (int i = 1; i <= count; ++i)
+        paths << SettingsStore::readString(QStringLiteral("RecentFile%1").arg(i)).value_or("-");
+    return paths;
+}
+
+ClickableLabel* TestHomeScreen::recentText(DiskUsageForm& form, int row)
+{
+    // Both labels of a row carry its name; the icon is the narrow one.
+    for (auto* label : form.findChildren<ClickableLabel*>(QStringLiteral("recentLabel%1").arg(row)))
+        if (label->maximumWidth() > 20)
+            return label;
+    return nullptr;
+}
+
+DiskUsageScanProgressForm* TestHomeScreen::resultsOf(DiskUsageForm& form)
+{
+    auto* layout = qobject_cast<QStackedLayout*>(form.layout());
+    return layout ? qobject_cast<DiskUsageScanProgressForm*>(layout->currentWidget()) : nullptr;
+}
+
+void TestHomeScreen::setTab(DiskUsageForm& form, int index)
+{
+    form.findChild<QTabWidget*>("tabWidget")->setCurrentIndex(index);
+}
+
+void TestHomeScreen::onNextModal(std::function<void(QWidget*)> check)
+{
+    auto* timer = new QTimer;
+    QObject::connect(timer, &QTimer::timeout, timer, [timer, check] {
+        QWidget* modal = QApplication::activeModalWidget();
+        if (!modal)
+            return;
+        timer->deleteLater();
+        timer->stop();
+        check(modal);
+        modal->close();
+    });
+    timer->start(10);
+}
+
+bool TestHomeScreen::finishScan(DiskUsageForm& form)
+{
+    return QTest::qWaitFor([&] { return !form.isScanning; }, 20000);
+}
+
+bool TestHomeScreen::goBack(DiskUsageForm& form)
+{
+    DiskUsageScanProgressForm* results = resultsOf(form);
+    if (!results)
+        return false;
+    QTest::mouseClick(results->findChild<QToolButton*>("backButton"), Qt::LeftButton);
+    return QTest::qWaitFor([&] { return !resultsOf(form) && !form.isClearingRam; }, 20000);
+}
+
+void TestHomeScreen::recentRowsShowTheStoredFoldersThatExist()
+{
+    const QString gone = folder("gone");
+    QVERIFY(QDir().mkpath(gone));
+    QVERIFY(QDir(gone).removeRecursively());
+    storeRecent({folder("alpha"), gone, folder("alpha/report.txt"), QString(), folder("beta"),
+                 folder("one")});
+
+    DiskUsageForm form;
+    form.show();
+    QCOMPARE(form.recentFolders(),
+             QStringList({folder("alpha"), folder("alpha/report.txt"), folder("beta")}));
+    for (int row = 1; row <= 3; ++row) {
+        QVERIFY(recentText(form, row)->isVisible());
+        QCOMPARE(recentText(form, row)->toolTip(), form.recentFolders().at(row - 1));
+    }
+    QVERIFY(!recentText(form, 4)->isVisible());
+    QVERIFY(!recentText(form, 5)->isVisible());
+}
+
+void TestHomeScreen::longPathsAreShortened()
+{
+    const QString exact = QString(36, 'x');
+    QCOMPARE(DiskUsageForm::shortenedPath(exact), exact);
+    const QString longer = QStringLiteral("0123456789abcdef") + QStringLiteral("MIDDLE") +
+                           QStringLiteral("fedcba9876543210");
+    QCOMPARE(longer.size(), 38);
+    QCOMPARE(DiskUsageForm::shortenedPath(longer),
+             QStringLiteral("0123456789abcdef...fedcba9876543210"));
+    QCOMPARE(DiskUsageForm::shortenedPath(QString(37, 'y')),
+             QString(16, 'y') + "..." + QString(16, 'y'));
+
+    storeRecent({folder("alpha")});
+    DiskUsageForm form;
+    form.resize(986, 513);
+    form.show();
+    QCOMPARE(recentText(form, 1)->text(), DiskUsageForm::shortenedPath(folder("alpha")));
+    // Even the narrowest window leaves room to read a row.
+    ClickableLabel* row = recentText(form, 1);
+    QVERIFY(row->width() >= row->fontMetrics().horizontalAdvance(QString(12, 'x')));
+}
+
+void TestHomeScreen::aRecentRowScansAndBackReturnsHome()
+{
+    storeRecent({folder("alpha"), folder("beta")});
+    DiskUsageForm form;
+    form.show();
+    QSignalSpy toolbar(&form, &DiskUsageForm::showToolbarSignal);
+
+    QTest::mouseClick(recentText(form, 2), Qt::LeftButton);
+    QVERIFY(form.isScanning);
+    QVERIFY(resultsOf(form));
+    QCOMPARE(form.recentFolders(), QStringList({folder("beta"), folder("alpha")}));
+    QCOMPARE(storedRecent(2), QStringList({folder("beta"), folder("alpha")}));
+    QCOMPARE(recentText(form, 1)->toolTip(), folder("beta"));
+
+    QVERIFY(finishScan(form));
+    QVERIFY(resultsOf(form));
+    QVERIFY(goBack(form));
+    QVERIFY(form.findChild<QWidget*>("mainWidget")->isVisible());
+    QCOMPARE(toolbar.size(), 4);
+    const QList<bool> shown{toolbar.at(0).at(0).toBool(), toolbar.at(1).at(0).toBool(),
+                            toolbar.at(2).at(0).toBool(), toolbar.at(3).at(0).toBool()};
+    QCOMPARE(shown, QList<bool>({false, true, false, true}));
+    QTRY_VERIFY(form.findChildren<DiskUsageScanProgressForm*>().isEmpty());
+
+    // The icon of a row scans too.
+    auto labels = form.findChildren<ClickableLabel*>("recentLabel2");
+    QCOMPARE(labels.size(), 2);
+    QTest::mouseClick(labels.at(0) == recentText(form, 2) ? labels.at(1) : labels.at(0),
+                      Qt::LeftButton);
+    QCOMPARE(form.recentFolders(), QStringList({folder("alpha"), folder("beta")}));
+    QVERIFY(finishScan(form));
+    QVERIFY(goBack(form));
+}
+
+void TestHomeScreen::aFileInTheRecentListScansWithoutHarm()
+{
+    storeRecent({folder("alpha/report.txt")});
+    DiskUsageForm form;
+    form.show();
+    QTest::mouseClick(recentText(form, 1), Qt::LeftButton);
+    QVERIFY(resultsOf(form));
+    QVERIFY(finishScan(form));
+    QVERIFY(goBack(form));
+    QCOMPARE(form.recentFolders(), QStringList({folder("alpha/report.txt")}));
+}
+
+void TestHomeScreen::aRowWhoseFolderWasDeletedLeavesTheList()
+{
+    const QString doomed = folder("doomed");
+    QVERIFY(QDir().mkpath(doomed));
+    storeRecent({doomed, folder("beta")});
+    DiskUsageForm form;
+    form.show();
+    QCOMPARE(form.recentFolders().size(), 2);
+
+    QVERIFY(QDir(doomed).removeRecursively());
+    QTest::mouseClick(recentText(form, 1), Qt::LeftButton);
+    QVERIFY(!resultsOf(form));
+    QVERIFY(!form.isScanning);
+    QCOMPARE(form.recentFolders(), QStringList({folder("beta")}));
+    QCOMPARE(recentText(form, 1)->toolTip(), folder("beta"));
+    QVERIFY(!recentText(form, 2)->isVisible());
+}
+
+void TestHomeScreen::aSixthFolderIsWrittenButNotReadBack()
+{
+    const QStringList five{folder("one"), folder("two"), folder("three"), folder("four"),
+                           folder("five")};
+    storeRecent(five);
+    QString documents;
+    {
+        DiskUsageForm form;
+        form.show();
+        QCOMPARE(form.recentFolders(), five);
+        setTab(form, 1);
+        auto* card = form.findChildren<DiskUsageFolderInfoForm*>().value(0);
+        QVERIFY(card);
+        QTest::mouseClick(card->findChild<QPushButton*>("startButton"), Qt::LeftButton);
+        QCOMPARE(form.recentFolders().size(), 6);
+        documents = form.recentFolders().first();
+        QVERIFY(!documents.isEmpty());
+        QCOMPARE(storedRecent(6), QStringList({documents}) + five);
+        QVERIFY(finishScan(form));
+        QVERIFY(goBack(form));
+    }
+    DiskUsageForm restarted;
+    QCOMPARE(restarted.recentFolders(), QStringList({documents}) + five.mid(0, 4));
+}
+
+void TestHomeScreen::theFolderPickerAndTheSameFolderInOtherCase()
+{
+    if (QSysInfo::kernelType() == QLatin1String("winnt"))
+        QSKIP("the Windows folder picker is the shell's own window; the picker is driven on Linux");
+    storeRecent({folder("beta"), folder("alpha")});
+    DiskUsageForm form;
+    form.show();
+
+    // Cancelled: nothing starts.
+    QString title;
+    QString start;
+    onNextModal([&](QWidget* modal) {
+        auto* picker = qobject_cast<QFileDialog*>(modal);
+        QVERIFY(picker);
+        title = picker->windowTitle();
+        start = picker->directory().absolutePath();
+        picker->reject();
+    });
+    QTest::mouseClick(form.findChild<QPushButton*>("selectFolderButton"), Qt::LeftButton);
+    QCOMPARE(title, QStringLiteral("Select folder to scan..."));
+    QCOMPARE(start, QDir(dir.path()).filePath("home/Documents"));
+    QVERIFY(!resultsOf(form));
+
+    // ALPHA is another folder on Linux, but a recent entry matches without
+    // regard to case, as the same folder would on Windows.
+    onNextModal([&](QWidget* modal) {
+        auto* picker = qobject_cast<QFileDialog*>(modal);
+        QVERIFY(picker);
+        picker->setDirectory(dir.path());
+        picker->selectFile(QStringLiteral("ALPHA"));
+        static_cast<QDialog*>(picker)->accept();
+    });
+    QTest::mouseClick(form.findChild<QPushButton*>("selectFolderButton"), Qt::LeftButton);
+    QVERIFY(resultsOf(form));
+    QCOMPARE(form.recentFolders(), QStringList({folder("ALPHA"), folder("beta")}));
+    QCOMPARE(storedRecent(2), QStringList({folder("ALPHA"), folder("beta")}));
+    QVERIFY(finishScan(form));
+    QVERIFY(goBack(form));
+}
+
+void TestHomeScreen::driveCardsShowTheDisks()
+{
+    const QList<DriveInfo> drives = DriveInfo::readDrives();
+    DiskUsageForm form;
+    form.show();
+    const auto cards = form.findChildren<DiskUsageItemInfoForm*>();
+    QCOMPARE(cards.size(), drives.size());
+    if (drives.isEmpty())
+        QSKIP("this machine has no local disk to show");
+
+    DiskUsageItemInfoForm* card = cards.first();
+    QCOMPARE(card->findChild<QLabel*>("volumeLabel")->text(), drives.first().name);
+    QCOMPARE(card->findChild<QLabel*>("fsLabel")->text(), drives.first().fileSystem);
+    QCOMPARE(card->findChild<QLabel*>("sizeLabel")->text(), drives.first().sizeText());
+    QCOMPARE(card->findChild<QProgressBar*>("progressBar")->value(), drives.first().usedPercent());
+    QVERIFY(!card->findChild<QLabel*>("icon")->pixmap().isNull());
+
+    QString shownSerial;
+    onNextModal([&](QWidget* modal) {
+        auto* details = qobject_cast<DiskUsageDetailInfoDialog*>(modal);
+        QVERIFY(details);
+        auto* tree = details->findChild<QTreeView*>("treeView");
+        const QModelIndex general = tree->model()->index(0, 0);
+        for (int row = 0; row < tree->model()->rowCount(general); ++row)
+            if (tree->model()->index(row, 0, general).data().toString() == "Serial Number")
+                shownSerial = tree->model()->index(row, 1, general).data().toString();
+    });
+    QTest::mouseClick(card->findChild<QToolButton*>("infoButton"), Qt::LeftButton);
+    QCOMPARE(shownSerial, drives.first().serialNumber);
+}
+
+void TestHomeScreen::folderCardsShowTheSpecialFolders()
+{
+    DiskUsageForm form;
+    const auto cards = form.findChildren<DiskUsageFolderInfoForm*>();
+    QCOMPARE(cards.size(), 6);
+    const QString documents = cards.first()->findChild<QLabel*>("folderPathLabel")->text();
+    QVERIFY(!documents.isEmpty());
+    QCOMPARE(cards.first()->findChild<QLabel*>("folderNameLabel")->text(),
+             QFileInfo(documents).fileName());
+#ifndef Q_OS_WIN
+    QCOMPARE(documents, QDir(dir.path()).filePath("home/Documents"));
+    QCOMPARE(cards.last()->findChild<QLabel*>("folderPathLabel")->text(),
+             QDir(dir.path()).filePath("home"));
+#endif
+    for (const auto* card : cards)
+        QVERIFY(!card->findChild<QLabel*>("icon")->pixmap().isNull());
+}
+
+void TestHomeScreen::closingDuringAScanStopsItAndCloses()
+{
+    const QList<DriveInfo> drives = DriveInfo::readDrives();
+    if (drives.isEmpty())
+        QSKIP("this machine has no local disk to scan");
+    MainWindow window;
+    window.show();
+    auto* home = window.findChild<DiskUsageForm*>();
+    QVERIFY(home);
+    QSignalSpy closeApp(home, &DiskUsageForm::closeApp);
+
+    auto* card = home->findChildren<DiskUsageItemInfoForm*>().first();
+    QTest::mouseClick(card->findChild<QPushButton*>("startButton"), Qt::LeftButton);
+    QVERIFY(home->isScanning);
+    QCOMPARE(home->recentFolders().first(), drives.first().scanPath());
+
+    window.setGeometry(120, 110, 990, 520);
+    QVERIFY(window.close());
+    QCOMPARE(SettingsStore::readDword("posX"), std::optional<quint32>(120));
+    QVERIFY(closeApp.wait(20000));
+    QVERIFY(!home->isScanning);
+    QVERIFY(!home->isVisible());
+}
+
+void TestHomeScreen::closingDuringAReleaseWaitsForIt()
+{
+    storeRecent({folder("one")});
+    MainWindow window;
+    window.show();
+    auto* home = window.findChild<DiskUsageForm*>();
+    QSignalSpy closeApp(home, &DiskUsageForm::closeApp);
+    QTest::mouseClick(recentText(*home, 1), Qt::LeftButton);
+    QVERIFY(finishScan(*home));
+    // The results fit the window's smallest size.
+    QCOMPARE(window.size(), QSize(986, 513));
+    QVERIFY(window.close()); // no release yet: nothing holds the window
+    QCOMPARE(closeApp.size(), 0);
+
+    window.show();
+    QTest::mouseClick(resultsOf(*home)->findChild<QToolButton*>("backButton"), Qt::LeftButton);
+    QVERIFY(home->isClearingRam);
+    window.setGeometry(140, 130, 1000, 530);
+    QVERIFY(!window.close());
+    QVERIFY(window.isVisible());
+    QCOMPARE(SettingsStore::readDword("posX"), std::optional<quint32>(140));
+
+    QVERIFY(closeApp.wait(20000));
+    QVERIFY(!home->isClearingRam);
+    QVERIFY(!home->isVisible());
+}
+
+void TestHomeScreen::toolbarButtons()
+{
+    DiskUsageForm form;
+    form.show();
+    QTest::mouseClick(form.findChild<QPushButton*>("websiteButton"), Qt::LeftButton);
+    QCOMPARE(opened.urls, QList<QUrl>({WebLinks::website()}));
+    if (WebLinks::webAddress().isEmpty())
+        QCOMPARE(WebLinks::website().fileName(), QStringLiteral("user-guide.html"));
+
+    QString version;
+    QString platformLine;
+    onNextModal([&](QWidget* modal) {
+        QVERIFY(qobject_cast<AboutDialog*>(modal));
+        for (auto* label : modal->findChildren<QLabel*>()) {
+            if (label->text().startsWith("Version"))
+                version = label->text();
+            if (label->text().startsWith("for "))
+                platformLine = label->text();
+        }
+    });
+    QTest::mouseClick(form.findChild<QPushButton*>("aboutButton"), Qt::LeftButton);
+    QCOMPARE(version, QStringLiteral("Version: 3.0.0"));
+    QCOMPARE(platformLine, QSysInfo::kernelType() == QLatin1String("winnt")
+                               ? QStringLiteral("for Windows 11/10")
+                               : QStringLiteral("for Linux"));
+
+    QString installed;
+    onNextModal([&](QWidget* modal) {
+        QVERIFY(qobject_cast<UpgradeDialog*>(modal));
+        installed = modal->findChild<QLabel*>("versionLabel")->text();
+    });
+    QTest::mouseClick(form.findChild<QPushButton*>("upgradeButton"), Qt::LeftButton);
+    QCOMPARE(installed, QStringLiteral("Installed: Tallyroot 3.0.0"));
+}
+
+void TestHomeScreen::clickableLabelReportsPresses()
+{
+    ClickableLabel label;
+    label.setText("link");
+    label.show();
+    QSignalSpy clicked(&label, &ClickableLabel::clicked);
+    QTest::mouseClick(&label, Qt::RightButton);
+    QTest::mouseClick(&label, Qt::LeftButton);
+    QCOMPARE(clicked.size(), 2);
+
+    QEnterEvent enter(QPointF(1, 1), QPointF(1, 1), QPointF(1, 1));
+    QApplication::sendEvent(&label, &enter);
+    QCOMPARE(label.cursor().shape(), Qt::PointingHandCursor);
+    QEvent leave(QEvent::Leave);
+    QApplication::sendEvent(&label, &leave);
+    QCOMPARE(label.cursor().shape(), Qt::ArrowCursor);
+}
+
+QTEST_MAIN(TestHomeScreen)
+#include "tst_homescreen.moc"
