@@ -10,13 +10,14 @@
 #include "platform/Shell.h"
 #include "platform/UserFolders.h"
 #include "results/DiskUsageScanProgressForm.h"
-#include "settings/ExclusionSettings.h"
+#include "settings/DiskUsageOptionsForm.h"
 #include "settings/FileTypeCatalogue.h"
 #include "settings/SettingsStore.h"
 #include "ui_DiskUsageForm.h"
 
 #include <QDesktopServices>
 #include <QFileInfo>
+#include <QMessageBox>
 #include <QScrollArea>
 #include <QStackedLayout>
 #include <QStyle>
@@ -60,7 +61,10 @@ DiskUsageForm::DiskUsageForm(QWidget* parent)
 
     if (!FileTypeCatalogue::load(FileTypeCatalogue::instance()))
         FileTypeCatalogue::fillDefaults(FileTypeCatalogue::instance());
-    ExclusionSettings::load();
+    optionsForm = new DiskUsageOptionsForm(ui->tabOptions);
+    ui->optionsLayout->addWidget(optionsForm);
+    optionsForm->loadSettings();
+    optionsForm->show();
 
     ui->tabWidget->setCurrentIndex(0);
     stackedLayout = new QStackedLayout(this);
@@ -312,6 +316,20 @@ void DiskUsageForm::on_aboutButton_clicked()
 {
     AboutDialog dialog(this);
     dialog.exec();
+}
+
+// Asked on every change of tab, also between the other two.
+void DiskUsageForm::on_tabWidget_currentChanged(int)
+{
+    if (!optionsForm || !optionsForm->hasUnsavedChanges())
+        return;
+    const auto answer = QMessageBox::warning(
+        this, QStringLiteral("Confirm to save changes"),
+        QStringLiteral("There are unsaved changes in the Options page. Do you want to save the "
+                       "changes now?"),
+        QMessageBox::Yes | QMessageBox::No);
+    if (answer == QMessageBox::Yes)
+        optionsForm->save();
 }
 
 void DiskUsageForm::on_upgradeButton_clicked()

@@ -9,6 +9,7 @@
 #include <memory>
 
 class ClickableLabel;
+class DiskUsageOptionsForm;
 class DiskUsageScanProgressForm;
 class QStackedLayout;
 
@@ -57,10 +58,13 @@ private slots:
     void on_selectFolderButton_clicked();
     void on_websiteButton_clicked();
     void on_aboutButton_clicked();
-    void on_RecentPathClicked();
+    void on_tabWidget_currentChanged(int index);
     void on_upgradeButton_clicked();
 
 private:
+    // Connected by hand; not a slot, which the by-name connection would take
+    // for one of an object called "RecentPathClicked".
+    void on_RecentPathClicked();
     enum SpecialFolderIndex { Documents, Downloads, Music, Pictures, Videos, Profile };
 
     void addDriveCards();
@@ -77,6 +81,7 @@ private:
     std::array<QString, 6> specialFolderPaths;
     bool closeRequested = false;
     DiskUsageScanProgressForm* resultsScreen = nullptr;
+    DiskUsageOptionsForm* optionsForm = nullptr;
     QStringList recentPaths;
     QList<ClickableLabel*> recentIconLabels;
     QList<ClickableLabel*> recentTextLabels;

@@ -1,4 +1,5 @@
 #include "IsolatedSettings.h"
+#include "NextModal.h"
 #include "app/MainWindow.h"
 #include "home/AboutDialog.h"
 #include "home/ClickableLabel.h"
@@ -10,8 +11,10 @@
 #include "home/UpgradeDialog.h"
 #include "home/WebLinks.h"
 #include "results/DiskUsageScanProgressForm.h"
+#include "settings/DiskUsageOptionsForm.h"
 #include "settings/SettingsStore.h"
 
+#include <QCheckBox>
 #include <QDesktopServices>
 #include <QFileDialog>
 #include <QLabel>
@@ -58,6 +61,7 @@ private slots:
     void closingDuringAScanStopsItAndCloses();
     void closingDuringAReleaseWaitsForIt();
     void toolbarButtons();
+    void leavingUnsavedOptionsAsksToSave();
     void clickableLabelReportsPresses();
 
 private:
@@ -67,8 +71,6 @@ private:
     static ClickableLabel* recentText(DiskUsageForm& form, int row);
     static DiskUsageScanProgressForm* resultsOf(DiskUsageForm& form);
     static void setTab(DiskUsageForm& form, int index);
-    // Runs `check` on the next modal dialog to open, then closes it.
-    static void onNextModal(std::function<void(QWidget*)> check);
     static bool finishScan(DiskUsageForm& form);
     static bool goBack(DiskUsageForm& form);
 
@@ -145,21 +147,6 @@ DiskUsageScanProgressForm* TestHomeScreen::resultsOf(DiskUsageForm& form)
 void TestHomeScreen::setTab(DiskUsageForm& form, int index)
 {
     form.findChild<QTabWidget*>("tabWidget")->setCurrentIndex(index);
-}
-
-void TestHomeScreen::onNextModal(std::function<void(QWidget*)> check)
-{
-    auto* timer = new QTimer;
-    QObject::connect(timer, &QTimer::timeout, timer, [timer, check] {
-        QWidget* modal = QApplication::activeModalWidget();
-        if (!modal)
-            return;
-        timer->deleteLater();
-        timer->stop();
-        check(modal);
-        modal->close();
-    });
-    timer->start(10);
 }
 
 bool TestHomeScreen::finishScan(DiskUsageForm& form)
@@ -335,9 +322,7 @@ void TestHomeScreen::theFolderPickerAndTheSameFolderInOtherCase()
     onNextModal([&](QWidget* modal) {
         auto* picker = qobject_cast<QFileDialog*>(modal);
         QVERIFY(picker);
-        picker->setDirectory(dir.path());
-        picker->selectFile(QStringLiteral("ALPHA"));
-        static_cast<QDialog*>(picker)->accept();
+        chooseFolder(picker, QDir(dir.path()).filePath("ALPHA"));
     });
     QTest::mouseClick(form.findChild<QPushButton*>("selectFolderButton"), Qt::LeftButton);
     QVERIFY(resultsOf(form));
@@ -480,6 +465,49 @@ void TestHomeScreen::toolbarButtons()
     });
     QTest::mouseClick(form.findChild<QPushButton*>("upgradeButton"), Qt::LeftButton);
     QCOMPARE(installed, QStringLiteral("Installed: Tallyroot 3.0.0"));
+}
+
+void TestHomeScreen::leavingUnsavedOptionsAsksToSave()
+{
+    DiskUsageForm form;
+    form.show();
+    auto* tabs = form.findChild<QTabWidget*>("tabWidget");
+    QCOMPARE(tabs->currentIndex(), 0);
+    tabs->setCurrentIndex(2);
+    auto* options = form.findChild<DiskUsageOptionsForm*>();
+    QVERIFY(options && options->isVisible());
+    options->findChild<QCheckBox*>("excludeOneDrivecheckBox")->click();
+
+    // "No" keeps the changes unsaved, so the next change of tab asks again,
+    // also between the other two tabs.
+    QString title;
+    QString question;
+    answerNextMessage(QMessageBox::No, &title, &question);
+    tabs->setCurrentIndex(0);
+    QCOMPARE(title, QStringLiteral("Confirm to save changes"));
+    QCOMPARE(question, QStringLiteral("There are unsaved changes in the Options page. Do you "
+                                      "want to save the changes now?"));
+    QVERIFY(options->hasUnsavedChanges());
+    QCOMPARE(SettingsStore::readDword("ExcludeOneDriveFolder"), std::nullopt);
+
+    title.clear();
+    answerNextMessage(QMessageBox::Yes, &title);
+    tabs->setCurrentIndex(1);
+    QCOMPARE(title, QStringLiteral("Confirm to save changes"));
+    QVERIFY(!options->hasUnsavedChanges());
+    QCOMPARE(SettingsStore::readDword("ExcludeOneDriveFolder"), std::optional<quint32>(1));
+
+    // Saved: no question. (One would be closed at once, and noticed.)
+    bool asked = false;
+    QTimer::singleShot(0, this, [&asked] {
+        if (QWidget* modal = QApplication::activeModalWidget()) {
+            asked = true;
+            modal->close();
+        }
+    });
+    tabs->setCurrentIndex(0);
+    QTest::qWait(20);
+    QVERIFY(!asked);
 }
 
 void TestHomeScreen::clickableLabelReportsPresses()

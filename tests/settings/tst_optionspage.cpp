@@ -1,0 +1,429 @@
+#include "IsolatedSettings.h"
+#include "NextModal.h"
+#include "results/DiskUsageScanProgressForm.h"
+#include "settings/DiskUsageAddFileTypesDialog.h"
+#include "settings/DiskUsageEditFileTypesDialog.h"
+#include "settings/DiskUsageOptionsForm.h"
+#include "settings/ExclusionSettings.h"
+#include "settings/FileTypeCatalogue.h"
+#include "settings/SettingsStore.h"
+
+#include <QCheckBox>
+#include <QFileDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QStandardItemModel>
+#include <QTreeView>
+#include <QTreeWidget>
+#include <QtTest>
+
+#include <memory>
+
+class TestOptionsPage : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void theEditorsChangeACategory();
+    void theEditorIsLenient();
+    void anUncheckedCategoryIsSavedAndSkippedByAScan();
+    void tenFoldersAtMostAndNoneTwice();
+    void anExcludedFolderIsLeftOutOfAScan();
+    void removalsLeaveNothingUnsaved();
+    void restoreTheDefaults();
+    void badStoredValues();
+
+private:
+    // A page filled from the settings, as the home screen makes it.
+    static std::unique_ptr<DiskUsageOptionsForm> page();
+    static QTreeWidget* fileTypes(QWidget* form)
+    {
+        return form->findChild<QTreeWidget*>("treeWidget");
+    }
+    static QTreeWidget* folders(QWidget* form)
+    {
+        return form->findChild<QTreeWidget*>("excludeTreeWidget");
+    }
+    static QPushButton* button(QWidget* form, const char* name)
+    {
+        return form->findChild<QPushButton*>(name);
+    }
+    static QStringList texts(const QTreeWidget* tree);
+    static void clickCheckBox(QTreeWidget* tree, QTreeWidgetItem* item);
+    // Chooses `path` in the next folder picker (Linux only).
+    static void pickFolder(const QString& path);
+    QString scanAndListFolders(const QString& root);
+    void makeFile(const QString& relative, qint64 size);
+    QString path(const QString& relative) const
+    {
+        return QDir::toNativeSeparators(dir.filePath(relative));
+    }
+
+    IsolatedSettings isolated;
+    QTemporaryDir dir;
+};
+
+#define SKIP_WITHOUT_DRIVABLE_PICKER()                                                             \
+    if (QSysInfo::kernelType() == QLatin1String("winnt"))                                          \
+    QSKIP("the Windows folder picker is the shell's own window; the picker is driven on Linux")
+
+void TestOptionsPage::initTestCase()
+{
+    makeFile("tree/song.mp3", 300'000);
+    makeFile("tree/notes.txt", 2'000);
+    makeFile("tree/cache/big.bin", 1'000'000);
+    for (const char* name :
+         {"one", "two", "three", "Four", "five", "six", "seven", "eight", "nine", "ten", "eleven"})
+        QVERIFY(QDir(dir.path()).mkpath(QStringLiteral("folders/") + name));
+}
+
+void TestOptionsPage::init()
+{
+    isolated.clear();
+    FileTypeCatalogue::fillDefaults(FileTypeCatalogue::instance());
+}
+
+void TestOptionsPage::makeFile(const QString& relative, qint64 size)
+{
+    const QString file = dir.filePath(relative);
+    QDir().mkpath(QFileInfo(file).path());
+    QFile out(file);
+    QVERIFY(out.open(QIODevice::WriteOnly));
+    QVERIFY(out.resize(size));
+}
+
+std::unique_ptr<DiskUsageOptionsForm> TestOptionsPage::page()
+{
+    if (!FileTypeCatalogue::load(FileTypeCatalogue::instance()))
+        FileTypeCatalogue::fillDefaults(FileTypeCatalogue::instance());
+    auto form = std::make_unique<DiskUsageOptionsForm>();
+    form->loadSettings();
+    form->show();
+    return form;
+}
+
+QStringList TestOptionsPage::texts(const QTreeWidget* tree)
+{
+    QStringList result;
+    for (int row = 0; row < tree->topLevelItemCount(); ++row)
+        result << tree->topLevelItem(row)->text(0);
+    return result;
+}
+
+void TestOptionsPage::clickCheckBox(QTreeWidget* tree, QTreeWidgetItem* item)
+{
+    tree->scrollToItem(item);
+    QStyleOptionViewItem option;
+    option.initFrom(tree);
+    option.rect = tree->visualItemRect(item);
+    option.features = QStyleOptionViewItem::HasCheckIndicator;
+    const QRect box =
+        tree->style()->subElementRect(QStyle::SE_ItemViewItemCheckIndicator, &option, tree);
+    QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, box.center());
+}
+
+void TestOptionsPage::pickFolder(const QString& folder)
+{
+    onNextModal([folder](QWidget* modal) {
+        auto* picker = qobject_cast<QFileDialog*>(modal);
+        QVERIFY(picker);
+        QCOMPARE(picker->windowTitle(), QStringLiteral("Select folder to exclude..."));
+        chooseFolder(picker, folder);
+    });
+}
+
+// Scans a folder through the results screen; the paths of its folder rows.
+QString TestOptionsPage::scanAndListFolders(const QString& root)
+{
+    DiskUsageScanProgressForm results;
+    QSignalSpy finished(&results, &DiskUsageScanProgressForm::scanFinish);
+    results.startScanning(root);
+    if (!finished.wait(20000))
+        return QStringLiteral("(no results)");
+    const QAbstractItemModel* model = results.findChild<QTreeView*>("treeView")->model();
+    QStringList names;
+    const QModelIndex top = model->index(0, 0);
+    for (int row = 0; row < model->rowCount(top); ++row)
+        names << model->index(row, 0, top).data().toString();
+    names.sort();
+    return names.join(',');
+}
+
+void TestOptionsPage::theEditorsChangeACategory()
+{
+    auto form = page();
+    QTreeWidget* tree = fileTypes(form.get());
+    QCOMPARE(tree->topLevelItemCount(), 12);
+    QVERIFY(!form->hasUnsavedChanges());
+    tree->setCurrentItem(tree->topLevelItem(6));
+    QCOMPARE(tree->currentItem()->text(0), QStringLiteral("Font Files (.fnt, .fon, .otf, .ttf)"));
+
+    QTest::mouseClick(button(form.get(), "FileTypesEditButton"), Qt::LeftButton);
+    QPointer editor = form->findChild<DiskUsageEditFileTypesDialog*>();
+    QVERIFY(editor && editor->isVisible() && !editor->isModal());
+    auto* extensions = editor->findChild<QTreeWidget*>("treeWidget");
+    QCOMPARE(extensions->headerItem()->text(0), QStringLiteral("File Extensions for Font Files"));
+    QCOMPARE(texts(extensions), QStringList({".fnt", ".fon", ".otf", ".ttf"}));
+
+    QTest::mouseClick(button(editor, "AddButton"), Qt::LeftButton);
+    QPointer adder = editor->findChild<DiskUsageAddFileTypesDialog*>();
+    QVERIFY(adder && adder->isVisible());
+    QTest::keyClicks(adder->findChild<QLineEdit*>("FileTypeLineEdit"), "PNG");
+    QTest::mouseClick(button(adder, "OKButton"), Qt::LeftButton);
+    QTRY_VERIFY(!adder);
+    QCOMPARE(texts(extensions).last(), QStringLiteral(".PNG"));
+
+    extensions->setCurrentItem(extensions->topLevelItem(0));
+    QString title;
+    QString question;
+    answerNextMessage(QMessageBox::Yes, &title, &question);
+    QTest::mouseClick(button(editor, "DeleteButton"), Qt::LeftButton);
+    QCOMPARE(title, QStringLiteral("Confirm to delete"));
+    QCOMPARE(question, QStringLiteral("Are you sure you want to delete .fnt?"));
+    QCOMPARE(texts(extensions), QStringList({".fon", ".otf", ".ttf", ".PNG"}));
+
+    QTest::mouseClick(button(editor, "SaveButton"), Qt::LeftButton);
+    QTRY_VERIFY(!editor);
+    QCOMPARE(tree->topLevelItem(6)->text(0), QStringLiteral("Font Files (.fon, .otf, .ttf, .PNG)"));
+    QVERIFY(form->hasUnsavedChanges());
+    // Nothing is stored and the scan's catalogue is as it was until "Save".
+    QCOMPARE(FileTypeCatalogue::instance().at(6).extensions.size(), 4);
+    QCOMPARE(SettingsStore::readDword("FileTypeDataCount"), std::nullopt);
+
+    QTest::mouseClick(button(form.get(), "saveButton"), Qt::LeftButton);
+    QVERIFY(!form->hasUnsavedChanges());
+    QCOMPARE(SettingsStore::readDword("FileTypeDataCount"), std::optional<quint32>(12));
+    QCOMPARE(SettingsStore::readString("FileTypeData6"),
+             std::optional<QString>("1;Font Files (.fon, .otf, .ttf, .PNG)"));
+    QCOMPARE(SettingsStore::readString("FileTypeData0"),
+             std::optional<QString>("1;3D Image Files (.3dm, .blend, .max)"));
+    QCOMPARE(FileTypeCatalogue::instance().at(6).extensions,
+             QStringList({".fon", ".otf", ".ttf", ".PNG"}));
+}
+
+void TestOptionsPage::theEditorIsLenient()
+{
+    QPointer editor = new DiskUsageEditFileTypesDialog;
+    QSignalSpy sent(editor.data(), &DiskUsageEditFileTypesDialog::newValue);
+    editor->setValue("Font Files (.fnt,.ttf )");
+    auto* extensions = editor->findChild<QTreeWidget*>("treeWidget");
+    QCOMPARE(texts(extensions), QStringList({".fnt", ".ttf"}));
+
+    editor->on_newFileExtensionValue(QString());
+    QVERIFY(!button(editor, "SaveButton")->isEnabled());
+    for (const char* typed : {"png", ".png", ".png", "..png", ". png", "a,b(c);d"})
+        editor->on_newFileExtensionValue(QString::fromLatin1(typed));
+    QCOMPARE(texts(extensions),
+             QStringList({".fnt", ".ttf", ".png", ".png", ".png", "..png", ". png", ".a,b(c);d"}));
+    QVERIFY(button(editor, "SaveButton")->isEnabled());
+
+    // "No" keeps the row, and still counts as a change.
+    auto* other = new DiskUsageEditFileTypesDialog;
+    other->setValue("Font Files (.fnt)");
+    answerNextMessage(QMessageBox::No);
+    QTest::mouseClick(button(other, "DeleteButton"), Qt::LeftButton);
+    QCOMPARE(texts(other->findChild<QTreeWidget*>("treeWidget")), QStringList({".fnt"}));
+    QVERIFY(button(other, "SaveButton")->isEnabled());
+    QSignalSpy otherSent(other, &DiskUsageEditFileTypesDialog::newValue);
+    QTest::mouseClick(button(other, "CancelButton"), Qt::LeftButton);
+    QCOMPARE(otherSent.size(), 0);
+
+    // All deleted: the text ends in " (".
+    while (extensions->topLevelItemCount() > 0) {
+        answerNextMessage(QMessageBox::Yes);
+        QTest::mouseClick(button(editor, "DeleteButton"), Qt::LeftButton);
+    }
+    QTest::mouseClick(button(editor, "SaveButton"), Qt::LeftButton);
+    QCOMPARE(sent.size(), 1);
+    QCOMPARE(sent.at(0).at(0).toString(), QStringLiteral("Font Files ("));
+    QTRY_VERIFY(!editor);
+}
+
+void TestOptionsPage::anUncheckedCategoryIsSavedAndSkippedByAScan()
+{
+    {
+        auto form = page();
+        QTreeWidget* tree = fileTypes(form.get());
+        clickCheckBox(tree, tree->topLevelItem(1));
+        QCOMPARE(tree->topLevelItem(1)->checkState(0), Qt::Unchecked);
+        QVERIFY(form->hasUnsavedChanges());
+        // Until "Save" a scan still sorts audio files.
+        QVERIFY(FileTypeCatalogue::instance().at(1).checked);
+        clickCheckBox(tree, tree->topLevelItem(1));
+        clickCheckBox(tree, tree->topLevelItem(1));
+        QTest::mouseClick(button(form.get(), "saveButton"), Qt::LeftButton);
+    }
+    const auto stored = SettingsStore::readString("FileTypeData1");
+    QVERIFY(stored && stored->startsWith("0;Audio Files (.aac, .aif, "));
+
+    // As at the next start.
+    FileTypeCatalogue::instance().clear();
+    auto restarted = page();
+    QCOMPARE(fileTypes(restarted.get())->topLevelItem(1)->checkState(0), Qt::Unchecked);
+    QCOMPARE(fileTypes(restarted.get())->topLevelItem(5)->checkState(0), Qt::Checked);
+    QVERIFY(!FileTypeCatalogue::instance().at(1).checked);
+
+    scanAndListFolders(path("tree"));
+    QCOMPARE(FileTypeCatalogue::instance().at(1).totalSize, 0);
+    QCOMPARE(FileTypeCatalogue::instance().at(5).totalSize, 2'000);
+}
+
+void TestOptionsPage::tenFoldersAtMostAndNoneTwice()
+{
+    SKIP_WITHOUT_DRIVABLE_PICKER();
+    const QStringList names{"one", "two", "three", "Four", "five", "six", "seven", "eight", "nine"};
+    for (int n = 0; n < names.size(); ++n)
+        SettingsStore::writeString(QStringLiteral("ExludeFolder%1").arg(n),
+                                   "1;" + path("folders/" + names.at(n)));
+    auto form = page();
+    QCOMPARE(folders(form.get())->topLevelItemCount(), 9);
+
+    pickFolder(path("folders/ten"));
+    QTest::mouseClick(button(form.get(), "excludeAddButton"), Qt::LeftButton);
+    QCOMPARE(ExclusionSettings::excludeList().size(), 10);
+    QCOMPARE(folders(form.get())->currentItem()->text(0), path("folders/ten"));
+    QCOMPARE(folders(form.get())->currentItem()->checkState(0), Qt::Checked);
+
+    // The eleventh is dropped without a word, yet "Save" lights up.
+    QTest::mouseClick(button(form.get(), "saveButton"), Qt::LeftButton);
+    pickFolder(path("folders/eleven"));
+    QTest::mouseClick(button(form.get(), "excludeAddButton"), Qt::LeftButton);
+    QCOMPARE(folders(form.get())->topLevelItemCount(), 10);
+    QVERIFY(form->hasUnsavedChanges());
+
+    // The same folder in other letters: Linux calls FOUR another folder, but
+    // the list compares as Windows does.
+    QTest::mouseClick(button(form.get(), "excludeRemoveButton"), Qt::LeftButton);
+    QCOMPARE(folders(form.get())->topLevelItemCount(), 9);
+    QVERIFY(QDir(dir.path()).mkpath("folders/FOUR"));
+    pickFolder(path("folders/FOUR"));
+    QTest::mouseClick(button(form.get(), "excludeAddButton"), Qt::LeftButton);
+    QCOMPARE(folders(form.get())->topLevelItemCount(), 9);
+    QVERIFY(!texts(folders(form.get())).contains(path("folders/FOUR")));
+}
+
+void TestOptionsPage::anExcludedFolderIsLeftOutOfAScan()
+{
+    QCOMPARE(scanAndListFolders(path("tree")), QStringLiteral("cache"));
+    SettingsStore::writeString("ExludeFolder0", "1;" + path("tree/cache"));
+    SettingsStore::writeString("ExludeFolder1", "0;" + path("tree"));
+    SettingsStore::writeString("ExludeFolder2", "1;" + path("gone"));
+    auto form = page();
+    QCOMPARE(texts(folders(form.get())),
+             QStringList({path("tree/cache"), path("tree"), path("gone")}));
+    QCOMPARE(scanAndListFolders(path("tree")), QString());
+
+    // Unchecked and saved: the folder is back in the next scan.
+    clickCheckBox(folders(form.get()), folders(form.get())->topLevelItem(0));
+    QVERIFY(form->hasUnsavedChanges());
+    form->save();
+    QCOMPARE(SettingsStore::readString("ExludeFolder0"),
+             std::optional<QString>("0;" + path("tree/cache")));
+    QCOMPARE(SettingsStore::readString("ExludeFolder2"),
+             std::optional<QString>("1;" + path("gone")));
+    QCOMPARE(scanAndListFolders(path("tree")), QStringLiteral("cache"));
+}
+
+void TestOptionsPage::removalsLeaveNothingUnsaved()
+{
+    for (int n = 0; n < 3; ++n)
+        SettingsStore::writeString(QStringLiteral("ExludeFolder%1").arg(n),
+                                   "1;" + path(QStringLiteral("folders/f%1").arg(n)));
+    auto form = page();
+    QCOMPARE(folders(form.get())->currentItem()->text(0), path("folders/f2"));
+    QTest::mouseClick(button(form.get(), "excludeRemoveButton"), Qt::LeftButton);
+    QCOMPARE(texts(folders(form.get())), QStringList({path("folders/f0"), path("folders/f1")}));
+    QCOMPARE(ExclusionSettings::excludeList().size(), 2);
+    QVERIFY(!form->hasUnsavedChanges());
+
+    // Saved afterwards, the stored third value stays and comes back.
+    auto* oneDrive = form->findChild<QCheckBox*>("excludeOneDrivecheckBox");
+    oneDrive->click();
+    QVERIFY(form->hasUnsavedChanges());
+    form->save();
+    QCOMPARE(SettingsStore::readDword("ExcludeOneDriveFolder"), std::optional<quint32>(1));
+    QCOMPARE(ExclusionSettings::excludeOneDriveFolder(), 1u);
+    QCOMPARE(ExclusionSettings::excludeList().size(), 3);
+    QCOMPARE(folders(form.get())->topLevelItemCount(), 2);
+}
+
+void TestOptionsPage::restoreTheDefaults()
+{
+    SettingsStore::writeDword("FileTypeDataCount", 2);
+    SettingsStore::writeString("FileTypeData0", "0;Audio Files (.mp3)");
+    SettingsStore::writeString("FileTypeData1", "1;Mine (.abc)");
+    auto form = page();
+    QTreeWidget* tree = fileTypes(form.get());
+    QCOMPARE(texts(tree), QStringList({"Audio Files (.mp3)", "Mine (.abc)"}));
+    QVERIFY(!tree->topLevelItem(0)->icon(0).isNull());
+    QVERIFY(tree->topLevelItem(1)->icon(0).isNull());
+    tree->setCurrentItem(tree->topLevelItem(1));
+
+    QString title;
+    QString question;
+    answerNextMessage(QMessageBox::No, &title, &question);
+    QTest::mouseClick(button(form.get(), "FileTypesRestoreButton"), Qt::LeftButton);
+    QCOMPARE(title, QStringLiteral("Confirm to restore"));
+    QCOMPARE(question, QStringLiteral("Are you sure you want to restore the file types?"));
+    QCOMPARE(tree->topLevelItemCount(), 2);
+    QCOMPARE(tree->currentIndex().row(), 1);
+    QVERIFY(!form->hasUnsavedChanges());
+
+    answerNextMessage(QMessageBox::Yes);
+    QTest::mouseClick(button(form.get(), "FileTypesRestoreButton"), Qt::LeftButton);
+    QCOMPARE(tree->topLevelItemCount(), 12);
+    QCOMPARE(tree->currentIndex().row(), 1);
+    QCOMPARE(tree->topLevelItem(1)->checkState(0), Qt::Checked);
+    QCOMPARE(FileTypeCatalogue::instance().size(), 12);
+    QVERIFY(form->hasUnsavedChanges());
+    QCOMPARE(SettingsStore::readDword("FileTypeDataCount"), std::optional<quint32>(2));
+    form->save();
+    QCOMPARE(SettingsStore::readDword("FileTypeDataCount"), std::optional<quint32>(12));
+}
+
+void TestOptionsPage::badStoredValues()
+{
+    SettingsStore::writeDword("FileTypeDataCount", 4);
+    SettingsStore::writeString("FileTypeData0", "1;No Parenthesis");
+    SettingsStore::writeString("FileTypeData1", "no semicolon (.x)");
+    SettingsStore::writeString("FileTypeData2", "0;Font Files (");
+    SettingsStore::writeString("FileTypeData3", "1;Odd ( .a , ,.b)");
+    SettingsStore::writeString("ExludeFolder0", "nonsense");
+    SettingsStore::writeString("ExludeFolder1", "x;" + path("nowhere"));
+    auto form = page();
+    QTreeWidget* tree = fileTypes(form.get());
+    const QStringList shown = texts(tree);
+    QCOMPARE(shown.size(), 3);
+    QCOMPARE(shown.at(1), QStringLiteral("Font Files ()"));
+    QCOMPARE(texts(folders(form.get())), QStringList({path("nowhere")}));
+    QCOMPARE(folders(form.get())->topLevelItem(0)->checkState(0), Qt::Unchecked);
+
+    // The editor shows what it can of each.
+    for (int row = 0; row < tree->topLevelItemCount(); ++row) {
+        tree->setCurrentItem(tree->topLevelItem(row));
+        QTest::mouseClick(button(form.get(), "FileTypesEditButton"), Qt::LeftButton);
+        auto* editor = form->findChild<DiskUsageEditFileTypesDialog*>();
+        QVERIFY(editor);
+        QVERIFY(editor->findChild<QTreeWidget*>("treeWidget")
+                    ->headerItem()
+                    ->text(0)
+                    .startsWith("File Extensions for "));
+        QTest::mouseClick(button(editor, "CancelButton"), Qt::LeftButton);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+    QCOMPARE(texts(tree), shown);
+
+    // What is shown is what is saved.
+    form->save();
+    const QStringList now = texts(tree);
+    QCOMPARE(SettingsStore::readDword("FileTypeDataCount"), std::optional<quint32>(3));
+    for (int row = 0; row < now.size(); ++row)
+        QVERIFY(SettingsStore::readString(QStringLiteral("FileTypeData%1").arg(row))
+                    ->endsWith(now.at(row)));
+    QCOMPARE(SettingsStore::readString("ExludeFolder0"),
+             std::optional<QString>("0;" + path("nowhere")));
+}
+
+QTEST_MAIN(TestOptionsPage)
+#include "tst_optionspage.moc"
