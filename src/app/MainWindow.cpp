@@ -40,10 +40,6 @@ void MainWindow::restoreGeometry()
 void MainWindow::closeEvent(QCloseEvent* event)
 {
     WindowGeometry::fromRect(geometry()).write();
-    if (!homeForm) {
-        event->accept();
-        return;
-    }
     // A scan is told to stop and does not hold the window; a release in
     // progress does, until it has finished.
     if (homeForm->isScanning)

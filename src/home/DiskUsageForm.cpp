@@ -202,9 +202,10 @@ void DiskUsageForm::rememberRecentPath(const QString& path)
 
 void DiskUsageForm::startScan(const QString& path)
 {
-    // The home page is hidden while results are shown; a second screen
-    // would orphan the first.
-    if (resultsScreen)
+    // The home page is hidden while results are shown, so a second screen
+    // could only orphan the first; a special folder that was not found has
+    // no path to scan.
+    if (resultsScreen || path.isEmpty())
         return;
     emit showToolbarSignal(false);
     isScanning = true;
