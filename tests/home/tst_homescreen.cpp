@@ -1,5 +1,6 @@
 #include "IsolatedSettings.h"
 #include "NextModal.h"
+#include "TestSupport.h"
 #include "app/MainWindow.h"
 #include "home/AboutDialog.h"
 #include "home/ClickableLabel.h"
@@ -27,17 +28,6 @@
 #include <QtTest>
 
 #include <functional>
-
-// Catches what the home screen hands to the desktop.
-class OpenedUrls : public QObject {
-    Q_OBJECT
-
-public:
-    QList<QUrl> urls;
-
-public slots:
-    void open(const QUrl& url) { urls << url; }
-};
 
 class TestHomeScreen : public QObject {
     Q_OBJECT
@@ -94,9 +84,7 @@ void TestHomeScreen::initTestCase()
     for (const char* name :
          {"home/Documents/notes", "alpha", "beta", "ALPHA", "one", "two", "three", "four", "five"})
         QVERIFY(QDir(dir.path()).mkpath(name));
-    QFile file(dir.filePath("alpha/report.txt"));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QVERIFY(file.resize(4096));
+    QVERIFY(writeSizedFile(dir.filePath("alpha/report.txt"), 4096));
 }
 
 void TestHomeScreen::init()

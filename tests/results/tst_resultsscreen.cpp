@@ -1,4 +1,5 @@
 #include "IsolatedSettings.h"
+#include "TestSupport.h"
 #include "results/DiskUsageGraphDelegate.h"
 #include "results/DiskUsageScanInfoForm.h"
 #include "results/DiskUsageScanProgressForm.h"
@@ -15,17 +16,6 @@
 #include <QToolButton>
 #include <QTreeView>
 #include <QtTest>
-
-// Catches what the screen hands to the desktop, so no test starts a program.
-class OpenedUrls : public QObject {
-    Q_OBJECT
-
-public:
-    QList<QUrl> urls;
-
-public slots:
-    void open(const QUrl& url) { urls << url; }
-};
 
 class TestResultsScreen : public QObject {
     Q_OBJECT
@@ -102,11 +92,7 @@ void TestResultsScreen::cleanupTestCase()
 
 void TestResultsScreen::makeFile(const QString& relative, qint64 size)
 {
-    const QString path = dir.filePath(relative);
-    QDir().mkpath(QFileInfo(path).path());
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QVERIFY(file.resize(size));
+    QVERIFY(writeSizedFile(dir.filePath(relative), size));
 }
 
 std::unique_ptr<DiskUsageScanProgressForm> TestResultsScreen::scanned()

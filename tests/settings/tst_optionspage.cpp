@@ -1,5 +1,6 @@
 #include "IsolatedSettings.h"
 #include "NextModal.h"
+#include "TestSupport.h"
 #include "results/DiskUsageScanProgressForm.h"
 #include "settings/DiskUsageAddFileTypesDialog.h"
 #include "settings/DiskUsageEditFileTypesDialog.h"
@@ -86,11 +87,7 @@ void TestOptionsPage::init()
 
 void TestOptionsPage::makeFile(const QString& relative, qint64 size)
 {
-    const QString file = dir.filePath(relative);
-    QDir().mkpath(QFileInfo(file).path());
-    QFile out(file);
-    QVERIFY(out.open(QIODevice::WriteOnly));
-    QVERIFY(out.resize(size));
+    QVERIFY(writeSizedFile(dir.filePath(relative), size));
 }
 
 std::unique_ptr<DiskUsageOptionsForm> TestOptionsPage::page()
