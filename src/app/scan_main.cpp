@@ -1,54 +1,52 @@
-// tallyroot-scan: the scan engine on one folder, from the command line.
+// tallyroot-scan: the scan engine on one folder, from the command line. Needs
+// no display.
 
-#include "ScanJsonWriter.h"
 #include "scan/DiskUsageWorkerThread.h"
+#include "scan/ScanJsonWriter.h"
 #include "settings/ExclusionSettings.h"
 #include "settings/FileTypeCatalogue.h"
 
-#include <QApplication>
 #include <QCommandLineParser>
+#include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
-#include <QStandardItemModel>
 
-#include <atomic>
 #include <cstdio>
 #include <cstdlib>
+#include <optional>
 
 namespace {
 
-void loadSettings(bool defaults, const QStringList& extraExclusions)
+ScanRequest requestFor(const QString& path, bool defaults, const QStringList& extraExclusions)
 {
     QList<FileTypeCategory>& catalogue = FileTypeCatalogue::instance();
     if (defaults || !FileTypeCatalogue::load(catalogue))
         FileTypeCatalogue::fillDefaults(catalogue);
-    if (defaults) {
-        ExclusionSettings::excludeList().clear();
-        ExclusionSettings::excludeOneDriveFolder() = 0;
-    } else {
+    if (!defaults)
         ExclusionSettings::load();
+    ScanRequest request = ScanRequest::fromSettings(path);
+    if (defaults) {
+        request.exclusions.clear();
+        request.excludeOneDrive = false;
     }
     for (const QString& folder : extraExclusions)
-        ExclusionSettings::excludeList().append({true, folder});
+        request.exclusions.append({true, folder});
+    return request;
 }
 
-bool writeJson(const QString& fileName, const QJsonDocument& document)
+[[noreturn]] void fail(const QString& message)
 {
-    QFile file(fileName);
-    return file.open(QIODevice::WriteOnly | QIODevice::Truncate) &&
-           file.write(document.toJson(QJsonDocument::Compact)) >= 0 && file.flush();
+    std::fprintf(stderr, "tallyroot-scan: %s\n", qPrintable(message));
+    std::exit(1);
 }
 
 } // namespace
 
 int main(int argc, char* argv[])
 {
-    // The scan needs no screen; icons are made off-screen.
-    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    QApplication::setApplicationName("tallyroot-scan");
+    QCoreApplication app(argc, argv);
+    QCoreApplication::setApplicationName("tallyroot-scan");
 
     QCommandLineParser parser;
     parser.setApplicationDescription("Scans one folder with Tallyroot's scan engine and prints "
@@ -60,59 +58,51 @@ int main(int argc, char* argv[])
                      "settings are not read."},
         {"exclude", "Leave out a folder (repeatable).", "DIR"},
         {"json", "Write the whole result to FILE as JSON.", "FILE"},
+        {"threads",
+         QString("Threads that read folders ahead of the walk; 1 reads on the walk's own "
+                 "thread. Default: %1.")
+             .arg(ScanRequest::defaultReaders()),
+         "N"},
     });
     parser.addPositionalArgument("folder", "The folder to scan.");
     parser.process(app);
     if (parser.positionalArguments().size() != 1)
         parser.showHelp(2);
     const QString path = parser.positionalArguments().constFirst();
-    if (!QFileInfo(path).isDir()) {
-        std::fprintf(stderr, "tallyroot-scan: not a folder: %s\n", qPrintable(path));
-        return 1;
+    if (!QFileInfo(path).isDir())
+        fail("not a folder: " + path);
+
+    ScanRequest request = requestFor(path, parser.isSet("defaults"), parser.values("exclude"));
+    if (parser.isSet("threads")) {
+        bool number = false;
+        request.readers = parser.value("threads").toInt(&number);
+        if (!number || request.readers < 1)
+            fail("--threads takes a whole number from 1 up");
     }
-    loadSettings(parser.isSet("defaults"), parser.values("exclude"));
-
-    QStandardItemModel folderModel;
-    QStandardItemModel dataFilesModel;
-    QList<QStandardItem*> rootRow;
-    QList<DiskUsageGlobal::TFileInfo> biggestFiles;
-    QList<QList<DiskUsageGlobal::TMainDataFile>> dataFiles;
-    const ScanTargets targets{&folderModel, &dataFilesModel, &rootRow, &biggestFiles, &dataFiles};
-
-    auto* worker = new DiskUsageWorkerThread(&app, path);
-    worker->setTargets(targets);
-    // Counted where they are emitted: nothing waits in the event queue.
-    std::atomic<int> items{0};
-    std::atomic<int> subFolders{0};
-    QObject::connect(
-        worker, &DiskUsageWorkerThread::updateTotalItemScan, worker,
-        [&items](int total) { items.store(total, std::memory_order_relaxed); },
-        Qt::DirectConnection);
-    QObject::connect(
-        worker, &DiskUsageWorkerThread::updateTotalSubFolder, worker,
-        [&subFolders](int total) { subFolders.store(total); }, Qt::DirectConnection);
-    QObject::connect(worker, &DiskUsageWorkerThread::finished, &app, &QCoreApplication::quit);
+    // A file that cannot be written is found before the scan, not after it.
+    std::optional<QFile> json;
+    if (parser.isSet("json")) {
+        json.emplace(parser.value("json"));
+        if (!json->open(QIODevice::WriteOnly | QIODevice::Truncate))
+            fail("cannot write " + json->fileName());
+    }
 
     QElapsedTimer timer;
     timer.start();
-    worker->start(QThread::InheritPriority);
-    QApplication::exec();
+    DiskUsageWorkerThread worker(nullptr, std::move(request));
+    worker.start();
+    worker.wait();
     const double seconds = double(timer.nsecsElapsed()) / 1e9;
+    const ScanResult result = worker.takeResult();
 
-    const int folders = folderModel.item(0, 3)->data(Qt::DisplayRole).toInt() + 1;
-    std::printf("%s: %d folders, %d files, %llu bytes, %d entries, %.3f seconds\n",
-                qPrintable(path), folders, folderModel.item(0, 2)->data(Qt::DisplayRole).toInt(),
-                folderModel.item(0, 4)->data(Qt::DisplayRole).toULongLong(), items.load(), seconds);
+    std::printf("%s: %u folders, %u files, %llu bytes, %d entries, %.3f seconds\n",
+                qPrintable(path), result.totalFolders + 1, result.totalFiles,
+                static_cast<unsigned long long>(result.totalSize), result.itemsScanned, seconds);
 
     int status = 0;
-    if (parser.isSet("json")) {
-        ScanJsonWriter writer(path, targets);
-        writer.setCounts(items.load(), subFolders.load());
-        if (!writeJson(parser.value("json"), writer.document())) {
-            std::fprintf(stderr, "tallyroot-scan: cannot write %s\n",
-                         qPrintable(parser.value("json")));
-            status = 1;
-        }
+    if (json && !(ScanJsonWriter(path, result).write(*json) && json->flush())) {
+        std::fprintf(stderr, "tallyroot-scan: cannot write %s\n", qPrintable(json->fileName()));
+        status = 1;
     }
     // Freeing a large result item by item takes longer than the scan's last
     // second; the system takes the memory back at once.

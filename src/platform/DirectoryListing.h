@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 
 namespace platform {
 
@@ -13,6 +14,7 @@ using NativeString = std::wstring;
 #else
 using NativeString = std::string;
 #endif
+using NativeStringView = std::basic_string_view<NativeString::value_type>;
 
 struct DirectoryEntry {
     NativeString name;
@@ -39,12 +41,17 @@ public:
     [[nodiscard]] DirectoryListing openChild(const NativeString& name) const;
 
     [[nodiscard]] bool isOpen() const;
+    // True when the folder could not be opened or its reading broke off. A
+    // folder on another file system, which is not entered on purpose, has not
+    // failed.
+    [[nodiscard]] bool failed() const;
     // False at the end of the listing, or when reading failed.
     bool next(DirectoryEntry& entry);
 
 private:
     struct State;
     std::unique_ptr<State> state;
+    bool failure = false;
 };
 
 } // namespace platform

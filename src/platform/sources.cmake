@@ -15,20 +15,21 @@ set(TALLYROOT_PLATFORM_WIN32_SOURCES
 )
 set(TALLYROOT_PLATFORM_WIN32_LIBRARIES advapi32 shell32 user32 ole32 comctl32 uuid)
 set(TALLYROOT_PLATFORM_WIN32_DEFINITIONS UNICODE _UNICODE WIN32_LEAN_AND_MEAN NOMINMAX)
-# The Qt side of the Win32 backend, for the Windows build of the program.
-set(TALLYROOT_PLATFORM_WIN32_QT_SOURCES
-    ${CMAKE_CURRENT_LIST_DIR}/win32/qt/NativeText.cpp
-    ${CMAKE_CURRENT_LIST_DIR}/win32/qt/Win32Shell.cpp
-)
+# The Qt side of the Win32 backend, for the Windows build of the program: the
+# part the scan engine needs (Qt Core), and the desktop part (Qt Widgets).
+set(TALLYROOT_PLATFORM_WIN32_QT_SOURCES ${CMAKE_CURRENT_LIST_DIR}/win32/qt/NativeText.cpp)
+set(TALLYROOT_PLATFORM_WIN32_DESKTOP_SOURCES ${CMAKE_CURRENT_LIST_DIR}/win32/qt/Win32Shell.cpp)
 set(TALLYROOT_PLATFORM_POSIX_SOURCES
     ${CMAKE_CURRENT_LIST_DIR}/posix/MountTable.cpp
     ${CMAKE_CURRENT_LIST_DIR}/posix/NativeText.cpp
     ${CMAKE_CURRENT_LIST_DIR}/posix/PosixDirectoryListing.cpp
     ${CMAKE_CURRENT_LIST_DIR}/posix/PosixFileTime.cpp
     ${CMAKE_CURRENT_LIST_DIR}/posix/PosixFolders.cpp
-    ${CMAKE_CURRENT_LIST_DIR}/posix/PosixScreen.cpp
     ${CMAKE_CURRENT_LIST_DIR}/posix/PosixSettings.cpp
-    ${CMAKE_CURRENT_LIST_DIR}/posix/PosixShell.cpp
     ${CMAKE_CURRENT_LIST_DIR}/posix/PosixVolumes.cpp
     ${CMAKE_CURRENT_LIST_DIR}/posix/SettingsFile.cpp
+)
+set(TALLYROOT_PLATFORM_POSIX_DESKTOP_SOURCES
+    ${CMAKE_CURRENT_LIST_DIR}/posix/PosixScreen.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/posix/PosixShell.cpp
 )

@@ -7,8 +7,6 @@ DiskUsageScanInfoForm::DiskUsageScanInfoForm(QWidget* parent)
     , ui(std::make_unique<Ui::DiskUsageScanInfoForm>())
 {
     ui->setupUi(this);
-    pendingCount.setSingleShot(true);
-    connect(&pendingCount, &QTimer::timeout, this, &DiskUsageScanInfoForm::showItemCount);
 }
 
 DiskUsageScanInfoForm::~DiskUsageScanInfoForm() = default;
@@ -23,30 +21,13 @@ void DiskUsageScanInfoForm::setPath(const QString& path)
     ui->pathLabel->setText(path);
 }
 
-namespace {
-constexpr int countInterval = 40; // ms
-} // namespace
-
 void DiskUsageScanInfoForm::setItemCount(int count)
 {
-    itemCount = count;
     if (count < 0) {
-        pendingCount.stop();
         ui->itemScanLabel->hide();
         return;
     }
-    if (pendingCount.isActive())
-        return;
-    if (!sinceShown.isValid() || sinceShown.elapsed() >= countInterval)
-        showItemCount();
-    else
-        pendingCount.start(countInterval - int(sinceShown.elapsed()));
-}
-
-void DiskUsageScanInfoForm::showItemCount()
-{
-    sinceShown.start();
-    ui->itemScanLabel->setText(QString::number(itemCount) + QStringLiteral(" items scanned"));
+    ui->itemScanLabel->setText(QString::number(count) + QStringLiteral(" items scanned"));
     ui->itemScanLabel->show();
 }
 

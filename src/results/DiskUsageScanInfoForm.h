@@ -1,7 +1,5 @@
 #pragma once
 
-#include <QElapsedTimer>
-#include <QTimer>
 #include <QWidget>
 
 #include <memory>
@@ -22,8 +20,7 @@ public:
 
     void setTitle(const QString& title);
     void setPath(const QString& path);
-    // A negative count hides the counter. A scan reports every entry; the
-    // counter shows the newest count at most every 40 ms.
+    // A negative count hides the counter.
     void setItemCount(int count);
     void setMaximum(int maximum);
     void step();
@@ -36,10 +33,5 @@ private slots:
     void on_pushButton_clicked();
 
 private:
-    void showItemCount();
-
     std::unique_ptr<Ui::DiskUsageScanInfoForm> ui;
-    int itemCount = 0;
-    QElapsedTimer sinceShown;
-    QTimer pendingCount;
 };

@@ -4,8 +4,10 @@
 #include "DiskUsageScanInfoForm.h"
 #include "ResultDetailsDialog.h"
 #include "ShellActions.h"
+#include "platform/Shell.h"
 #include "scan/DiskUsageClearRamThread.h"
 #include "scan/DiskUsageWorkerThread.h"
+#include "scan/FolderColumn.h"
 #include "ui_DiskUsageScanProgressForm.h"
 
 #include <QDir>
@@ -16,12 +18,14 @@
 
 namespace {
 
-enum FolderColumn { Name, SizeText, Files, Folders, Size, Path, Percentage, MaxData, Index };
+using namespace FolderColumn;
 enum BiggestColumn { FileName, FileSize, LastAccess, Folder, RawSize };
 enum DataFilesColumn { Category, Total, CategoryMebibytes = 4, CategoryIndex = 5 };
 constexpr int legendRows = 11;
 // Icons and texts stand in separate columns; one height keeps their rows level.
 constexpr int legendRowHeight = 20;
+// How often the scanning panel's counter follows the scan.
+constexpr int itemCountInterval = 50; // ms
 
 const QString folderIcon = QStringLiteral(":/resources/images/genericFolder16.png");
 const QString fileIcon = QStringLiteral(":/resources/images/generalFile16.png");
@@ -64,6 +68,9 @@ DiskUsageScanProgressForm::DiskUsageScanProgressForm(QWidget* parent)
     ui->toolBar->hide();
     ui->tabWidget->hide();
     ui->tabWidget->setCurrentIndex(0);
+    itemCountTimer.setInterval(itemCountInterval);
+    connect(&itemCountTimer, &QTimer::timeout, this,
+            [this] { handleUpdateTotalItemScan(worker->itemsScanned()); });
 }
 
 DiskUsageScanProgressForm::~DiskUsageScanProgressForm()
@@ -141,14 +148,16 @@ void DiskUsageScanProgressForm::startScanning(const QString& path)
 {
     if (scanPanel)
         scanPanel->setTitle(QStringLiteral("Scanning in progress. Please wait ..."));
-    worker = new DiskUsageWorkerThread(this, path);
-    worker->setTargets({&generalModel, &dataFilesModel, &topItems, &biggestFiles, &dataFiles});
+    ScanRequest request = ScanRequest::fromSettings(path);
+    request.setShownIcons(platform::folderIcon());
+    worker = new DiskUsageWorkerThread(this, std::move(request));
     connect(worker, &DiskUsageWorkerThread::resultReady, this,
             &DiskUsageScanProgressForm::handleResults);
     connect(worker, &DiskUsageWorkerThread::updatePath, this,
             &DiskUsageScanProgressForm::handleUpdatePath);
-    connect(worker, &DiskUsageWorkerThread::updateTotalItemScan, this,
-            &DiskUsageScanProgressForm::handleUpdateTotalItemScan);
+    // The entry count is read on a timer: an event per entry would cost the
+    // GUI thread more than the scan itself.
+    itemCountTimer.start();
     connect(worker, &DiskUsageWorkerThread::updateTotalSubFolder, this,
             &DiskUsageScanProgressForm::handleUpdateTotalSubFolder);
     connect(worker, &DiskUsageWorkerThread::updateScanProgress, this,
@@ -198,8 +207,12 @@ void DiskUsageScanProgressForm::handleScanCancel()
 void DiskUsageScanProgressForm::handleResults()
 {
     // The worker has written its last; it ends right after this signal.
-    if (worker)
+    itemCountTimer.stop();
+    if (worker) {
         worker->wait();
+        handleUpdateTotalItemScan(worker->itemsScanned());
+        takeResult();
+    }
     // The panel goes first: shown together with the tabs for a moment, the
     // two would make the window grow to hold both.
     if (scanPanel) {
@@ -223,6 +236,19 @@ void DiskUsageScanProgressForm::handleResults()
     }
     if (generalModel.rowCount() > 0)
         ui->treeView->setCurrentIndex(generalModel.index(0, 0));
+}
+
+// The rows go into the models here, on the GUI thread, so no model is ever
+// touched by the scan's thread.
+void DiskUsageScanProgressForm::takeResult()
+{
+    ScanResult result = worker->takeResult();
+    if (!result.rootRow.isEmpty())
+        generalModel.appendRow(std::exchange(result.rootRow, {}));
+    for (QList<QStandardItem*>& row : result.categoryRows)
+        dataFilesModel.appendRow(std::exchange(row, {}));
+    biggestFiles = std::move(result.biggestFiles);
+    dataFiles = std::move(result.dataFiles);
 }
 
 void DiskUsageScanProgressForm::showFolderTree()

@@ -5,6 +5,7 @@
 #include <QItemSelection>
 #include <QPointer>
 #include <QStandardItemModel>
+#include <QTimer>
 #include <QWidget>
 
 #include <memory>
@@ -69,6 +70,7 @@ private:
     void showFolderTree();
     void showBiggestFiles();
     void showDataFiles();
+    void takeResult();
     void startRelease();
     void showLegendRow(int row, const QString& icon, const QString& name, quint64 size);
     [[nodiscard]] QString selectedFilePath() const;
@@ -89,6 +91,7 @@ private:
     QList<QLabel*> legendSizes;
     QList<DiskUsageGlobal::TFileInfo> biggestFiles;
     QList<QList<DiskUsageGlobal::TMainDataFile>> dataFiles;
-    QList<QStandardItem*> topItems;
     QPointer<DiskUsageScanInfoForm> scanPanel;
+    // The scan's entry count, read from the worker while it runs.
+    QTimer itemCountTimer;
 };

@@ -36,18 +36,18 @@ void CategoryMatcher::add(const QString& folded, int category)
         byAsciiKey[folded.toStdString()].append(category);
 }
 
-const CategoryMatcher::Indexes* CategoryMatcher::match(const platform::NativeString& fileName) const
+const CategoryMatcher::Indexes* CategoryMatcher::match(platform::NativeStringView fileName) const
 {
     const auto dot = fileName.find('.');
     std::string key = ".";
-    if (dot != platform::NativeString::npos) {
+    if (dot != platform::NativeStringView::npos) {
         key.clear();
         for (auto c = fileName.begin() + static_cast<std::ptrdiff_t>(dot); c != fileName.end();
              ++c) {
             const auto code =
                 static_cast<std::make_unsigned_t<platform::NativeString::value_type>>(*c);
             if (code >= 0x80)
-                return match(platform::toQString(fileName));
+                return match(platform::toQString(platform::NativeString(fileName)));
             key += static_cast<char>(code >= 'A' && code <= 'Z' ? code + ('a' - 'A') : code);
         }
     }

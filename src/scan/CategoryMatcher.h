@@ -19,7 +19,7 @@ public:
     explicit CategoryMatcher(const QList<FileTypeCategory>& catalogue);
 
     // Indexes of the matching categories in catalogue order, or nullptr.
-    [[nodiscard]] const Indexes* match(const platform::NativeString& fileName) const;
+    [[nodiscard]] const Indexes* match(platform::NativeStringView fileName) const;
     [[nodiscard]] const Indexes* match(const QString& fileName) const;
 
 private:

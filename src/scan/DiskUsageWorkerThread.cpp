@@ -1,218 +1,195 @@
 #include "DiskUsageWorkerThread.h"
 
 #include "ReportPreparation.h"
-#include "platform/DirectoryListing.h"
 #include "platform/NativeText.h"
-#include "platform/Shell.h"
-#include "settings/ExclusionSettings.h"
-#include "settings/FileTypeCatalogue.h"
-#include "settings/SettingsStore.h"
 
 #include <QDir>
 #include <QFileInfo>
 #include <QLoggingCategory>
-#include <QStandardItemModel>
+#include <QStandardItem>
 
 Q_LOGGING_CATEGORY(lcWorker, "tallyroot.scan", QtInfoMsg)
 
 using DiskUsageGlobal::TFileInfo;
 using DiskUsageGlobal::TMainDataFile;
 using DiskUsageGlobal::TMaxDataItem;
+using namespace FolderColumn;
 
-namespace {
-
-enum Column { Name, SizeText, Files, Folders, Size, Path, Percentage, MaxData, Index };
-constexpr int columnCount = 9;
-
-} // namespace
-
-// One folder of the walk, from its listing until it is finished.
-struct DiskUsageWorkerThread::Folder {
-    platform::DirectoryListing listing;
-    platform::NativeString name;
-    QString path;
+// One folder of the walk, from the moment it is entered until it is finished.
+struct DiskUsageWorkerThread::Frame {
+    FolderReadAhead::FolderPtr folder;
+    std::size_t nextEntry = 0;
+    std::size_t nextSubfolder = 0;
     int depth = 0;
     // The row's cells; the root row's last two are made when they are set.
-    std::array<QStandardItem*, columnCount> cells{};
+    Cells cells{};
     Totals totals;
     QList<TMaxDataItem> summary;
     QList<TMaxDataItem> finishedSubfolders;
 };
 
-DiskUsageWorkerThread::DiskUsageWorkerThread(QObject* parent, const QString& scanPath)
+DiskUsageWorkerThread::DiskUsageWorkerThread(QObject* parent, ScanRequest scanRequest)
     : QThread(parent)
-    , scanPath(scanPath)
-    // Icons are made here, on the GUI thread, once per scan.
-    , folderIcon(platform::folderIcon())
-    , cloudFolderIcon(QStringLiteral(":/resources/images/genericCloudFolder.png"))
+    , request(std::move(scanRequest))
 {
     DiskUsageGlobal::registerMetaTypes();
 }
 
 DiskUsageWorkerThread::~DiskUsageWorkerThread() = default;
 
-void DiskUsageWorkerThread::setTargets(const ScanTargets& scanTargets)
-{
-    targets = scanTargets;
-}
-
 void DiskUsageWorkerThread::setCancel(bool value)
 {
     cancel.store(value, std::memory_order_relaxed);
 }
 
+ScanResult DiskUsageWorkerThread::takeResult()
+{
+    return std::move(result);
+}
+
 void DiskUsageWorkerThread::run()
 {
-    oneDrivePath = SettingsStore::oneDrivePath();
-    excludeOneDrive = ExclusionSettings::excludeOneDriveFolder() != 0;
-    exclusions.clear();
-    for (const ExcludeEntry& entry : ExclusionSettings::excludeList()) {
-        if (entry.enable)
-            exclusions.append(entry);
-    }
-    QList<FileTypeCategory>& catalogue = FileTypeCatalogue::instance();
-    matcher.emplace(catalogue);
-    targets.dataFiles->resize(catalogue.size());
-
-    ReportPreparation report(catalogue, cancel);
+    result.categories = request.catalogue;
+    matcher.emplace(result.categories);
+    result.dataFiles.resize(result.categories.size());
+    ReportPreparation report(result.categories, request.categoryIcons, cancel);
     report.addCategoryRows();
     sizeFloor = 0;
-    for (FileTypeCategory& category : catalogue)
+    for (FileTypeCategory& category : result.categories)
         category.totalSize = 0;
 
-    QString name = QFileInfo(scanPath).fileName();
+    QString name = QFileInfo(request.folder).fileName();
     if (name.isEmpty())
-        name = scanPath;
+        name = request.folder;
     qCDebug(lcWorker).noquote() << "folderName:" << name;
-    buildRootRow(name);
-
-    emit updateTotalSubFolder((cancelled() ? 0 : countRootSubfolders()) + 1);
-    totals = {};
-    QStandardItem* rootCell = targets.rootRow->constFirst();
-    if (!folderIcon.isNull())
-        rootCell->setIcon(iconFor(scanPath));
-    const auto rootCells = walk(totals);
-    report.prepareReport(rootCell, totals.size);
-
-    // Everything was built apart from the models, so no model signal fired
-    // from this thread; the models take it all in one step.
-    targets.folderModel->appendRow(QList<QStandardItem*>(rootCells.begin(), rootCells.end()));
-    report.publishCategoryRows(targets.dataFilesModel);
+    Cells cells{};
+    buildRootRow(name, cells);
+    {
+        FolderReadAhead readAhead(request.folder, request.readers,
+                                  [this](const QString& path) { return isExcluded(path); });
+        walk(readAhead, cells);
+    }
+    report.prepareReport(cells[Name], result.totalSize);
+    result.rootRow = QList<QStandardItem*>(cells.begin(), cells.end());
+    result.categoryRows = report.takeCategoryRows();
+    result.itemsScanned = items;
     emit resultReady();
 }
 
-void DiskUsageWorkerThread::buildRootRow(const QString& name)
+void DiskUsageWorkerThread::buildRootRow(const QString& name, Cells& cells) const
 {
-    *targets.rootRow = {new QStandardItem(name),
-                        new QStandardItem(QStringLiteral("Column 2 Text")),
-                        new QStandardItem,
-                        new QStandardItem,
-                        new QStandardItem(QString()),
-                        new QStandardItem(QDir::toNativeSeparators(scanPath)),
-                        new QStandardItem};
-    targets.rootRow->at(Percentage)->setData(100.0, Qt::EditRole);
-}
-
-int DiskUsageWorkerThread::countRootSubfolders() const
-{
-    auto listing = platform::DirectoryListing::open(platform::toNative(scanPath));
-    int count = 0;
-    platform::DirectoryEntry entry;
-    while (listing.next(entry)) {
-        if (entry.isDirectory)
-            ++count;
-    }
-    return count;
+    cells = {new QStandardItem(name),
+             new QStandardItem(QStringLiteral("Column 2 Text")),
+             new QStandardItem,
+             new QStandardItem,
+             new QStandardItem(QString()),
+             new QStandardItem(QDir::toNativeSeparators(request.folder)),
+             new QStandardItem};
+    cells[Percentage]->setData(100.0, Qt::EditRole);
+    if (!request.folderIcon.isNull())
+        cells[Name]->setIcon(iconFor(request.folder));
 }
 
 // Depth-first, with the open folders on a stack of their own rather than the
 // thread's, so that no tree is too deep to walk.
-std::array<QStandardItem*, 9> DiskUsageWorkerThread::walk(Totals& result)
+void DiskUsageWorkerThread::walk(FolderReadAhead& readAhead, Cells& rootCells)
 {
-    std::vector<Folder> stack;
-    stack.push_back(enter(nullptr, {}, scanPath, 0));
-    std::copy(targets.rootRow->cbegin(), targets.rootRow->cend(), stack.back().cells.begin());
+    std::vector<Frame> stack;
+    stack.push_back(enter(readAhead, readAhead.root(), 0));
+    // The scanned folder's own listing gives the count of its subfolders.
+    const int subfolders = cancelled() ? 0 : int(stack.back().folder->subfolders.size());
+    result.totalSubFolders = subfolders + 1;
+    emit updateTotalSubFolder(result.totalSubFolders);
+    stack.back().cells = rootCells;
 
-    platform::DirectoryEntry entry;
     while (!stack.empty()) {
-        if (!cancelled() && stack.back().listing.next(entry)) {
-            addEntry(stack, entry);
+        Frame& top = stack.back();
+        if (!cancelled() && top.nextEntry < top.folder->entries.size()) {
+            addEntry(readAhead, stack);
             continue;
         }
-        Folder done = std::move(stack.back());
+        Frame done = std::move(top);
         stack.pop_back();
+        readAhead.release(*done.folder);
         finish(done);
         if (stack.empty()) {
-            result = done.totals;
-            return done.cells;
+            rootCells = done.cells;
+            result.totalSize = done.totals.size;
+            result.totalFiles = done.totals.files;
+            result.totalFolders = done.totals.folders;
+            return;
         }
-        Folder& parent = stack.back();
+        Frame& parent = stack.back();
         parent.finishedSubfolders.append(
-            {std::move(done.name), qint64(done.totals.size), TMaxDataItem::Folder});
+            {std::move(done.folder->name), qint64(done.totals.size), TMaxDataItem::Folder});
         parent.totals.size += done.totals.size;
         parent.totals.files += done.totals.files;
         parent.totals.folders += done.totals.folders;
     }
-    Q_UNREACHABLE();
 }
 
-DiskUsageWorkerThread::Folder DiskUsageWorkerThread::enter(const platform::DirectoryListing* parent,
-                                                           const platform::NativeString& name,
-                                                           QString path, int depth)
+DiskUsageWorkerThread::Frame DiskUsageWorkerThread::enter(FolderReadAhead& readAhead,
+                                                          FolderReadAhead::FolderPtr folder,
+                                                          int depth)
 {
     if (depth == 1) {
-        emit updatePath(path);
+        emit updatePath(folder->path);
         emit updateScanProgress();
     }
-    Folder folder;
-    folder.summary.reserve(DiskUsageGlobal::childSummaryLimit + 1);
-    folder.listing = parent ? parent->openChild(name)
-                            : platform::DirectoryListing::open(platform::toNative(path));
-    folder.path = std::move(path);
-    folder.depth = depth;
-    return folder;
+    readAhead.take(*folder);
+    if (folder->failed)
+        result.unreadable.append(folder->path);
+    Frame frame;
+    frame.folder = std::move(folder);
+    frame.depth = depth;
+    frame.summary.reserve(DiskUsageGlobal::childSummaryLimit + 1);
+    return frame;
 }
 
-void DiskUsageWorkerThread::addEntry(std::vector<Folder>& stack, platform::DirectoryEntry& entry)
+void DiskUsageWorkerThread::addEntry(FolderReadAhead& readAhead, std::vector<Frame>& stack)
 {
-    emit updateTotalItemScan(++itemCount);
-    Folder& folder = stack.back();
+    itemCount.store(++items, std::memory_order_relaxed);
+    emit updateTotalItemScan(items);
+    Frame& frame = stack.back();
+    const FolderReadAhead::Entry& entry = frame.folder->entries[frame.nextEntry++];
     if (!entry.isDirectory) {
-        addFile(folder, entry);
+        addFile(frame, entry);
         return;
     }
-    QString name = platform::toQString(entry.name);
-    QString path = platform::childPath(folder.path, name);
-    if (isExcluded(path))
+    FolderReadAhead::FolderPtr child = std::move(frame.folder->subfolders[frame.nextSubfolder++]);
+    if (child->excluded) {
+        if (lcWorker().isDebugEnabled() && !inExcludedOneDrive(child->path))
+            qCDebug(lcWorker).noquote() << "exclude path 1:" << excludingEntry(child->path)->path;
         return;
-    const auto cells = appendFolderRow(folder.cells[Name], name, path);
-    ++folder.totals.folders;
+    }
+    const Cells cells = appendFolderRow(frame.cells[Name], child->nameText, child->path);
+    ++frame.totals.folders;
     if (cancelled()) {
         // A folder met after a cancel keeps its placeholder row.
-        folder.finishedSubfolders.append({entry.name, 0, TMaxDataItem::Folder});
+        frame.finishedSubfolders.append({child->name, 0, TMaxDataItem::Folder});
         return;
     }
-    Folder child = enter(&folder.listing, entry.name, std::move(path), folder.depth + 1);
-    child.name = entry.name;
-    child.cells = cells;
-    stack.push_back(std::move(child)); // invalidates `folder`
+    Frame next = enter(readAhead, std::move(child), frame.depth + 1);
+    next.cells = cells;
+    stack.push_back(std::move(next)); // invalidates `frame`
 }
 
-void DiskUsageWorkerThread::addFile(Folder& folder, const platform::DirectoryEntry& entry)
+void DiskUsageWorkerThread::addFile(Frame& frame, const FolderReadAhead::Entry& entry)
 {
-    ++folder.totals.files;
-    folder.totals.size += entry.size;
+    const platform::NativeStringView name = frame.folder->nameOf(entry);
+    ++frame.totals.files;
+    frame.totals.size += entry.size;
     const auto size = static_cast<qint64>(entry.size);
-    DiskUsageGlobal::offerRanked(folder.summary, size, DiskUsageGlobal::childSummaryLimit, [&] {
-        return TMaxDataItem{entry.name, size, TMaxDataItem::File};
+    DiskUsageGlobal::offerRanked(frame.summary, size, DiskUsageGlobal::childSummaryLimit, [&] {
+        return TMaxDataItem{platform::NativeString(name), size, TMaxDataItem::File};
     });
 
-    QList<TFileInfo>& biggest = *targets.biggestFiles;
+    QList<TFileInfo>& biggest = result.biggestFiles;
     if (entry.size > sizeFloor) {
         const bool kept = DiskUsageGlobal::offerRanked(
             biggest, entry.size, DiskUsageGlobal::biggestFilesLimit, [&] {
-                const QString path =
-                    platform::childPath(folder.path, platform::toQString(entry.name));
+                const QString path = platform::childPath(
+                    frame.folder->path, platform::toQString(platform::NativeString(name)));
                 return TFileInfo{{}, {}, path, entry.size, entry.lastAccessTime};
             });
         // The floor rises only when a full list turned a file away, so it can
@@ -220,53 +197,60 @@ void DiskUsageWorkerThread::addFile(Folder& folder, const platform::DirectoryEnt
         if (!kept && biggest.size() == DiskUsageGlobal::biggestFilesLimit)
             sizeFloor = biggest.constLast().size;
     }
-    addDataFile(folder.path, entry);
+    addDataFile(frame.folder->path, name, entry);
 }
 
-void DiskUsageWorkerThread::addDataFile(const QString& folderPath,
-                                        const platform::DirectoryEntry& entry)
+void DiskUsageWorkerThread::addDataFile(const QString& folderPath, platform::NativeStringView name,
+                                        const FolderReadAhead::Entry& entry)
 {
-    const CategoryMatcher::Indexes* categories = matcher->match(entry.name);
+    const CategoryMatcher::Indexes* categories = matcher->match(name);
     if (!categories)
         return;
-    QList<FileTypeCategory>& catalogue = FileTypeCatalogue::instance();
     const auto size = static_cast<qint64>(entry.size);
     for (int category : *categories) {
         const int index = dataFileIndex++;
         DiskUsageGlobal::offerRanked(
-            (*targets.dataFiles)[category], size, DiskUsageGlobal::dataFilesLimit, [&] {
-                const QString name = platform::toQString(entry.name);
-                return TMainDataFile{name,
+            result.dataFiles[category], size, DiskUsageGlobal::dataFilesLimit, [&] {
+                const QString fileName = platform::toQString(platform::NativeString(name));
+                return TMainDataFile{fileName,
                                      DiskUsageGlobal::sizeText(double(size)),
                                      DiskUsageGlobal::lastAccessText(entry.lastAccessTime),
-                                     QFileInfo(platform::childPath(folderPath, name)).path(),
+                                     QFileInfo(platform::childPath(folderPath, fileName)).path(),
                                      size,
                                      index};
             });
-        catalogue[category].totalSize += size;
+        result.categories[category].totalSize += size;
     }
 }
 
 // Plain string prefixes, compared with case: an excluded D:\Temp also leaves
-// out D:\Temporary.
+// out D:\Temporary. Called from the reader threads as well: it reads only the
+// request.
 bool DiskUsageWorkerThread::isExcluded(const QString& path) const
 {
-    if (excludeOneDrive && !oneDrivePath.isEmpty() && path.startsWith(oneDrivePath))
-        return true;
-    for (const ExcludeEntry& entry : exclusions) {
-        if (path.startsWith(entry.path)) {
-            qCDebug(lcWorker).noquote() << "exclude path 1:" << entry.path;
-            return true;
-        }
-    }
-    return false;
+    return inExcludedOneDrive(path) || excludingEntry(path);
 }
 
-std::array<QStandardItem*, 9> DiskUsageWorkerThread::appendFolderRow(QStandardItem* parent,
-                                                                     const QString& name,
-                                                                     const QString& path) const
+bool DiskUsageWorkerThread::inExcludedOneDrive(const QString& path) const
 {
-    std::array<QStandardItem*, columnCount> cells{};
+    const QString& oneDrive = request.oneDrivePath;
+    return request.excludeOneDrive && !oneDrive.isEmpty() && path.startsWith(oneDrive);
+}
+
+const ExcludeEntry* DiskUsageWorkerThread::excludingEntry(const QString& path) const
+{
+    for (const ExcludeEntry& entry : request.exclusions) {
+        if (path.startsWith(entry.path))
+            return &entry;
+    }
+    return nullptr;
+}
+
+DiskUsageWorkerThread::Cells DiskUsageWorkerThread::appendFolderRow(QStandardItem* parent,
+                                                                    const QString& name,
+                                                                    const QString& path) const
+{
+    Cells cells{};
     for (auto& cell : cells)
         cell = new QStandardItem;
     cells[Name]->setText(name);
@@ -279,27 +263,28 @@ std::array<QStandardItem*, 9> DiskUsageWorkerThread::appendFolderRow(QStandardIt
 
 const QIcon& DiskUsageWorkerThread::iconFor(const QString& path) const
 {
-    const bool inOneDrive = !oneDrivePath.isEmpty() && path.startsWith(oneDrivePath);
-    return inOneDrive ? cloudFolderIcon : folderIcon;
+    const QString& oneDrive = request.oneDrivePath;
+    const bool inOneDrive = !oneDrive.isEmpty() && path.startsWith(oneDrive);
+    return inOneDrive ? request.cloudFolderIcon : request.folderIcon;
 }
 
-void DiskUsageWorkerThread::finish(Folder& folder)
+void DiskUsageWorkerThread::finish(Frame& frame)
 {
-    const auto set = [&folder](int column, const QVariant& value) {
-        QStandardItem*& cell = folder.cells[column];
+    const auto set = [&frame](int column, const QVariant& value) {
+        QStandardItem*& cell = frame.cells[column];
         if (!cell)
             cell = new QStandardItem; // the root row's last cells come with their values
         cell->setData(value, Qt::EditRole);
     };
-    set(Size, QVariant::fromValue<qulonglong>(folder.totals.size));
-    set(SizeText, DiskUsageGlobal::sizeText(double(folder.totals.size)));
-    set(Files, int(folder.totals.files));
-    set(Folders, int(folder.totals.folders));
+    set(Size, QVariant::fromValue<qulonglong>(frame.totals.size));
+    set(SizeText, DiskUsageGlobal::sizeText(double(frame.totals.size)));
+    set(Files, int(frame.totals.files));
+    set(Folders, int(frame.totals.folders));
     set(Index, folderIndex++);
-    for (const TMaxDataItem& subfolder : folder.finishedSubfolders) {
-        DiskUsageGlobal::offerRanked(folder.summary, subfolder.size,
+    for (const TMaxDataItem& subfolder : std::as_const(frame.finishedSubfolders)) {
+        DiskUsageGlobal::offerRanked(frame.summary, subfolder.size,
                                      DiskUsageGlobal::childSummaryLimit,
                                      [&subfolder] { return subfolder; });
     }
-    set(MaxData, DiskUsageGlobal::childSummary(folder.summary, folder.cells[Name]->rowCount()));
+    set(MaxData, DiskUsageGlobal::childSummary(frame.summary, frame.cells[Name]->rowCount()));
 }

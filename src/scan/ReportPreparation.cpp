@@ -29,9 +29,10 @@ QStandardItem* cellWith(const QVariant& value)
 
 } // namespace
 
-ReportPreparation::ReportPreparation(QList<FileTypeCategory>& catalogue,
+ReportPreparation::ReportPreparation(QList<FileTypeCategory>& catalogue, bool icons,
                                      const std::atomic<bool>& cancel)
     : catalogue(catalogue)
+    , icons(icons)
     , cancel(cancel)
 {}
 
@@ -93,18 +94,17 @@ void ReportPreparation::finishCategoryRows()
             delete std::exchange(row[0], nullptr);
             continue;
         }
-        row[0]->setIcon(categoryIcon(index));
+        if (icons)
+            row[0]->setIcon(categoryIcon(index));
         row[1]->setData(DiskUsageGlobal::sizeText(double(category.totalSize)), Qt::EditRole);
         row.append(cellWith(double(category.totalSize) * 9.5367431640625e-7));
         row.append(cellWith(index));
     }
 }
 
-void ReportPreparation::publishCategoryRows(QStandardItemModel* dataFilesModel)
+QList<QList<QStandardItem*>> ReportPreparation::takeCategoryRows()
 {
-    for (const QList<QStandardItem*>& row : std::as_const(categoryRows))
-        dataFilesModel->appendRow(row);
-    categoryRows.clear();
+    return std::exchange(categoryRows, {});
 }
 
 QIcon ReportPreparation::categoryIcon(int index)

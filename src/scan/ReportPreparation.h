@@ -16,12 +16,14 @@ class QStandardItemModel;
 // no model signal fires from the scan's thread) and handed over at the end.
 class ReportPreparation {
 public:
-    ReportPreparation(QList<FileTypeCategory>& catalogue, const std::atomic<bool>& cancel);
+    // Without icons the category rows carry none.
+    ReportPreparation(QList<FileTypeCategory>& catalogue, bool icons,
+                      const std::atomic<bool>& cancel);
 
     void addCategoryRows();
     void prepareReport(QStandardItem* rootNameCell, quint64 rootSize);
-    // Appends the category rows to the model; row i stands for category i.
-    void publishCategoryRows(QStandardItemModel* dataFilesModel);
+    // The category rows, row i for category i, to be put into a model.
+    [[nodiscard]] QList<QList<QStandardItem*>> takeCategoryRows();
 
     [[nodiscard]] static QIcon categoryIcon(int index);
     // The share of a child in its parent, in percent, cut to two decimals.
@@ -33,6 +35,7 @@ private:
     void finishCategoryRows();
 
     QList<FileTypeCategory>& catalogue;
+    const bool icons;
     QList<QList<QStandardItem*>> categoryRows;
     const std::atomic<bool>& cancel;
 };

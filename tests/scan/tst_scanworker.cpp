@@ -1,10 +1,13 @@
 #include "IsolatedSettings.h"
 #include "platform/NativeText.h"
+#include "platform/Shell.h"
 #include "scan/DiskUsageClearRamThread.h"
 #include "scan/DiskUsageWorkerThread.h"
+#include "scan/ScanJsonWriter.h"
 #include "settings/ExclusionSettings.h"
 #include "settings/FileTypeCatalogue.h"
 
+#include <QBuffer>
 #include <QDir>
 #include <QStandardItemModel>
 #include <QtTest>
@@ -15,13 +18,15 @@ using namespace DiskUsageGlobal;
 
 namespace {
 
-enum Column { Name, SizeText, Files, Folders, Size, Path, Percentage, MaxData, Index };
+using namespace FolderColumn;
 
-// One scan of a folder, with everything it produced and signalled.
+// One scan of a folder, with everything it produced and signalled; the rows
+// put into models as the results screen does.
 struct ScanRun {
     QStandardItemModel folderModel;
     QStandardItemModel dataFilesModel;
-    QList<QStandardItem*> rootRow;
+    ScanResult result;
+    QByteArray json; // the whole result as tallyroot-scan writes it
     QList<TFileInfo> biggest;
     QList<QList<TMainDataFile>> dataFiles;
     QStringList paths;
@@ -34,10 +39,13 @@ struct ScanRun {
     // count, onPath when the walk enters a folder below the root.
     explicit ScanRun(const QString& path,
                      const std::function<void(DiskUsageWorkerThread&, int)>& onItem = {},
-                     const std::function<void(const QString&)>& onPath = {})
+                     const std::function<void(const QString&)>& onPath = {},
+                     int readers = ScanRequest::defaultReaders())
     {
-        DiskUsageWorkerThread worker(nullptr, path);
-        worker.setTargets({&folderModel, &dataFilesModel, &rootRow, &biggest, &dataFiles});
+        ScanRequest request = ScanRequest::fromSettings(path);
+        request.readers = readers;
+        request.setShownIcons(platform::folderIcon());
+        DiskUsageWorkerThread worker(nullptr, std::move(request));
         const auto direct = Qt::DirectConnection;
         QObject::connect(
             &worker, &DiskUsageWorkerThread::updatePath, &worker,
@@ -66,6 +74,15 @@ struct ScanRun {
             direct);
         worker.start();
         worker.wait();
+        result = worker.takeResult();
+        QBuffer buffer(&json);
+        buffer.open(QIODevice::WriteOnly);
+        ScanJsonWriter(path, result).write(buffer);
+        folderModel.appendRow(std::exchange(result.rootRow, {}));
+        for (QList<QStandardItem*>& row : result.categoryRows)
+            dataFilesModel.appendRow(std::exchange(row, {}));
+        biggest = result.biggestFiles;
+        dataFiles = result.dataFiles;
     }
 
     [[nodiscard]] QStandardItem* root() const { return folderModel.item(0); }
@@ -145,6 +162,8 @@ private slots:
     void oddNamesAndADeepChain();
     void aFolderThatVanishesIsEmpty();
     void cancellingKeepsTheTotalsConsistent();
+    void anyNumberOfReadersGivesTheSameResult();
+    void foldersChangingInTheReadAheadKeepTheTotalsConsistent();
     void releasingEmptiesTheModels();
 
 private:
@@ -191,7 +210,7 @@ void TestScanWorker::anEmptyFolder()
     QCOMPARE(scan.subFolderTotals, QList<int>{1});
     QVERIFY(scan.paths.isEmpty());
     QCOMPARE(scan.resultReady, 1);
-    QCOMPARE(scan.rootRow.size(), 7);
+    QCOMPARE(scan.folderModel.columnCount(), int(FolderColumn::Count));
 }
 
 void TestScanWorker::foldersCarryTheirSubtrees()
@@ -272,7 +291,8 @@ void TestScanWorker::categoriesCountEveryMatchingFile()
     makeFile(dir.filePath("film.mkv"), 999);
     const ScanRun scan(scanRoot());
 
-    QCOMPARE(catalogue[5].totalSize, 325); // every .txt, not only the 20 kept
+    QCOMPARE(scan.result.categories[5].totalSize, 325); // every .txt, not only the 20 kept
+    QCOMPARE(catalogue[5].totalSize, 0);                // the settings' own catalogue is left alone
     QCOMPARE(scan.dataFiles[5].size(), 20);
     QCOMPARE(scan.dataFiles[5].first().size, 25);
     QCOMPARE(scan.dataFiles[5].first().fileName, QStringLiteral("doc25.txt"));
@@ -374,11 +394,15 @@ void TestScanWorker::aFolderThatVanishesIsEmpty()
 {
     makeFile(dir.filePath("stays/s"), 3);
     makeFile(dir.filePath("goes/inner/g"), 5);
-    // Removed at the moment the walk announces it, before it is listed.
-    const ScanRun scan(scanRoot(), {}, [](const QString& path) {
-        if (path.endsWith("goes"))
-            QDir(path).removeRecursively();
-    });
+    // Removed at the moment the walk announces it, before it is listed (with
+    // no reader ahead of the walk).
+    const ScanRun scan(
+        scanRoot(), {},
+        [](const QString& path) {
+            if (path.endsWith("goes"))
+                QDir(path).removeRecursively();
+        },
+        1);
     const QStandardItem* goes = childNamed(scan.root(), "goes");
     QVERIFY(goes);
     QCOMPARE(cell(goes, Size).toULongLong(), 0ull);
@@ -386,9 +410,33 @@ void TestScanWorker::aFolderThatVanishesIsEmpty()
     QCOMPARE(cell(scan.root(), Size).toULongLong(), 3ull);
 }
 
+namespace {
+
+// For a tree with files only in its leaves: every other folder's totals are
+// the sums of its subfolders'.
+void expectSumsOfSubfolders(const QStandardItem* folder)
+{
+    if (!folder->hasChildren())
+        return;
+    quint64 size = 0;
+    int files = 0;
+    int folders = folder->rowCount();
+    for (int row = 0; row < folder->rowCount(); ++row) {
+        const QStandardItem* child = folder->child(row);
+        expectSumsOfSubfolders(child);
+        size += cell(child, Size).toULongLong();
+        files += cell(child, Files).toInt();
+        folders += cell(child, Folders).toInt();
+    }
+    QCOMPARE(cell(folder, Size).toULongLong(), size);
+    QCOMPARE(cell(folder, Files).toInt(), files);
+    QCOMPARE(cell(folder, Folders).toInt(), folders);
+}
+
+} // namespace
+
 void TestScanWorker::cancellingKeepsTheTotalsConsistent()
 {
-    // Files only in the leaves, so every total is the sum of the rows below.
     for (int folder = 0; folder < 6; ++folder) {
         for (int file = 0; file < 30; ++file)
             makeFile(dir.filePath(QString("f%1/g/x%2").arg(folder).arg(file)), file + 1);
@@ -401,21 +449,56 @@ void TestScanWorker::cancellingKeepsTheTotalsConsistent()
 
     QCOMPARE(scan.resultReady, 1);
     QCOMPARE(scan.items, stopAt);
-    const QStandardItem* root = scan.root();
-    quint64 size = 0;
-    int files = 0;
-    int folders = root->rowCount();
-    for (int row = 0; row < root->rowCount(); ++row) {
-        const QStandardItem* child = root->child(row);
-        size += cell(child, Size).toULongLong();
-        files += cell(child, Files).toInt();
-        folders += cell(child, Folders).toInt();
-    }
-    QCOMPARE(cell(root, Size).toULongLong(), size);
-    QCOMPARE(cell(root, Files).toInt(), files);
-    QCOMPARE(cell(root, Folders).toInt(), folders);
+    QCOMPARE(scan.result.itemsScanned, stopAt);
+    expectSumsOfSubfolders(scan.root());
+    const int files = cell(scan.root(), Files).toInt();
     QVERIFY(files > 0 && files < 6 * 30);
-    QVERIFY(root->rowCount() < 6);
+    QVERIFY(scan.root()->rowCount() < 6);
+}
+
+void TestScanWorker::anyNumberOfReadersGivesTheSameResult()
+{
+    for (int a = 0; a < 6; ++a) {
+        for (int b = 0; b < 5; ++b) {
+            for (int f = 0; f < 4; ++f)
+                makeFile(
+                    dir.filePath(
+                        QString("a%1/b%2/f%3.%4").arg(a).arg(b).arg(f).arg(f % 2 ? "txt" : "mp3")),
+                    100 * a + 10 * b + f);
+        }
+    }
+    makeFile(dir.filePath("OneDrive/cloud.txt"), 50);
+    makeFile(dir.filePath("skip/inner/x.bin"), 70);
+    isolated.setOneDrivePath(platform::toNative(under("OneDrive")));
+    ExclusionSettings::excludeOneDriveFolder() = 1;
+    ExclusionSettings::excludeList() = {{true, under("skip")}};
+    // Whole, and cancelled at the 40th entry.
+    for (const int stopAt : {-1, 40}) {
+        const auto cancelAt = [stopAt](DiskUsageWorkerThread& worker, int total) {
+            if (total == stopAt)
+                worker.setCancel(true);
+        };
+        const ScanRun plain(scanRoot(), cancelAt, {}, 1);
+        QCOMPARE(plain.items, stopAt < 0 ? 6 + 6 * 5 + 6 * 5 * 4 + 2 : stopAt);
+        for (const int readers : {2, 8}) {
+            const ScanRun ahead(scanRoot(), cancelAt, {}, readers);
+            QCOMPARE(ahead.json, plain.json);
+        }
+    }
+}
+
+void TestScanWorker::foldersChangingInTheReadAheadKeepTheTotalsConsistent()
+{
+    for (int folder = 0; folder < 8; ++folder) {
+        for (int file = 0; file < 20; ++file)
+            makeFile(dir.filePath(QString("d%1/e/x%2").arg(folder).arg(file)), file + 1);
+    }
+    // Each folder below the root goes when the walk reaches it: the readers
+    // may have listed it before, or not.
+    const ScanRun scan(
+        scanRoot(), {}, [](const QString& path) { QDir(path).removeRecursively(); }, 8);
+    QCOMPARE(scan.root()->rowCount(), 8);
+    expectSumsOfSubfolders(scan.root());
 }
 
 void TestScanWorker::releasingEmptiesTheModels()

@@ -2,6 +2,7 @@
 
 #include "FileDescriptor.h"
 
+#include <cerrno>
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
@@ -50,21 +51,22 @@ struct DirectoryListing::State {
     int fd = -1; // owned by dir
     dev_t device = 0;
 
-    // Takes over an open folder descriptor; refuses one of another file system
-    // when a device is given.
-    static std::unique_ptr<State> adopt(posix::FileDescriptor fd, const dev_t* device)
+    // Takes over an open folder descriptor; leaves one of another file system
+    // closed, without failure, when a device is given.
+    static void adopt(DirectoryListing& listing, posix::FileDescriptor fd, const dev_t* device)
     {
         struct stat info {};
-        if (!fd.isValid() || fstat(fd.get(), &info) != 0 || (device && info.st_dev != *device))
-            return nullptr;
+        listing.failure = !fd.isValid() || fstat(fd.get(), &info) != 0;
+        if (listing.failure || (device && info.st_dev != *device))
+            return;
         DIR* dir = fdopendir(fd.get());
-        if (!dir)
-            return nullptr;
-        auto state = std::make_unique<State>();
-        state->fd = fd.release();
-        state->dir.reset(dir);
-        state->device = info.st_dev;
-        return state;
+        listing.failure = !dir;
+        if (listing.failure)
+            return;
+        listing.state = std::make_unique<State>();
+        listing.state->fd = fd.release();
+        listing.state->dir.reset(dir);
+        listing.state->device = info.st_dev;
     }
 };
 
@@ -77,8 +79,9 @@ DirectoryListing DirectoryListing::open(const NativeString& path)
 {
     raiseDescriptorLimit();
     DirectoryListing listing;
-    listing.state = State::adopt(
-        posix::FileDescriptor(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)), nullptr);
+    State::adopt(listing,
+                 posix::FileDescriptor(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)),
+                 nullptr);
     return listing;
 }
 
@@ -87,8 +90,8 @@ DirectoryListing DirectoryListing::openChild(const NativeString& name) const
     DirectoryListing listing;
     if (state) {
         const int flags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
-        listing.state = State::adopt(
-            posix::FileDescriptor(::openat(state->fd, name.c_str(), flags)), &state->device);
+        State::adopt(listing, posix::FileDescriptor(::openat(state->fd, name.c_str(), flags)),
+                     &state->device);
     }
     return listing;
 }
@@ -98,11 +101,21 @@ bool DirectoryListing::isOpen() const
     return state != nullptr;
 }
 
+bool DirectoryListing::failed() const
+{
+    return failure;
+}
+
 bool DirectoryListing::next(DirectoryEntry& entry)
 {
     if (!state)
         return false;
-    while (const dirent* found = readdir(state->dir.get())) {
+    for (;;) {
+        // readdir tells an error from the end only through errno.
+        errno = 0;
+        const dirent* found = readdir(state->dir.get());
+        if (!found)
+            break;
         const char* name = found->d_name;
         if (std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0)
             continue;
@@ -123,6 +136,7 @@ bool DirectoryListing::next(DirectoryEntry& entry)
         entry.lastAccessTime = entry.isDirectory ? 0 : fileTimeOf(info.st_atim);
         return true;
     }
+    failure = failure || errno != 0;
     return false;
 }
 

@@ -1,0 +1,134 @@
+#include "FolderReadAhead.h"
+
+#include "platform/NativeText.h"
+
+namespace {
+
+// Enough to keep the readers busy well ahead of the walk, small beside the
+// result of a large scan.
+constexpr std::size_t maxFoldersHeld = 4096;
+constexpr std::size_t maxBytesHeld = 32u << 20;
+
+} // namespace
+
+FolderReadAhead::FolderReadAhead(const QString& root, int readerCount, Exclusion excluded)
+    : excluded(std::move(excluded))
+    , readingAhead(readerCount > 1)
+    , rootFolder(std::make_shared<Folder>())
+{
+    rootFolder->path = root;
+    for (int reader = 0; readingAhead && reader < readerCount; ++reader)
+        readers.emplace_back(&FolderReadAhead::readerLoop, this);
+}
+
+FolderReadAhead::~FolderReadAhead()
+{
+    {
+        std::lock_guard lock(mutex);
+        stopping = true;
+    }
+    readerWake.notify_all();
+    for (std::thread& reader : readers)
+        reader.join();
+}
+
+void FolderReadAhead::take(Folder& folder)
+{
+    int expected = Folder::Waiting;
+    if (folder.state.compare_exchange_strong(expected, Folder::Reading)) {
+        read(folder);
+        return;
+    }
+    if (folder.state.load(std::memory_order_acquire) == Folder::Read)
+        return;
+    std::unique_lock lock(mutex);
+    walkWaiting = true;
+    walkWake.wait(lock, [&folder] { return folder.state.load() == Folder::Read; });
+    walkWaiting = false;
+}
+
+void FolderReadAhead::release(Folder& folder)
+{
+    // Freed outside the lock.
+    std::vector<Entry> entries;
+    platform::NativeString names;
+    std::vector<FolderPtr> subfolders;
+    entries.swap(folder.entries);
+    names.swap(folder.names);
+    subfolders.swap(folder.subfolders);
+    std::lock_guard lock(mutex);
+    --foldersHeld;
+    bytesHeld -= folder.bytes;
+    if (idleReaders > 0)
+        readerWake.notify_one();
+}
+
+bool FolderReadAhead::roomToRead() const
+{
+    return foldersHeld < maxFoldersHeld && bytesHeld < maxBytesHeld;
+}
+
+void FolderReadAhead::readerLoop()
+{
+    std::unique_lock lock(mutex);
+    for (;;) {
+        ++idleReaders;
+        readerWake.wait(lock, [this] { return stopping || (!pending.empty() && roomToRead()); });
+        --idleReaders;
+        if (stopping)
+            return;
+        FolderPtr next = std::move(pending.back());
+        pending.pop_back();
+        lock.unlock();
+        int expected = Folder::Waiting;
+        if (next->state.compare_exchange_strong(expected, Folder::Reading))
+            read(*next);
+        next.reset();
+        lock.lock();
+    }
+}
+
+void FolderReadAhead::read(Folder& folder)
+{
+    auto listing = std::make_shared<platform::DirectoryListing>(
+        folder.parentListing ? folder.parentListing->openChild(folder.name)
+                             : platform::DirectoryListing::open(platform::toNative(folder.path)));
+    folder.parentListing.reset();
+    folder.opened = listing->isOpen();
+    platform::DirectoryEntry entry;
+    while (!stopping.load(std::memory_order_relaxed) && listing->next(entry)) {
+        folder.entries.push_back(
+            {entry.size, entry.lastAccessTime, static_cast<std::uint32_t>(folder.names.size()),
+             static_cast<std::uint32_t>(entry.name.size()), entry.isDirectory});
+        folder.names += entry.name;
+        if (!entry.isDirectory)
+            continue;
+        auto child = std::make_shared<Folder>();
+        child->name = entry.name;
+        child->nameText = platform::toQString(entry.name);
+        child->path = platform::childPath(folder.path, child->nameText);
+        child->excluded = excluded && excluded(child->path);
+        if (!child->excluded)
+            child->parentListing = listing;
+        folder.bytes += sizeof(Folder) + std::size_t(child->path.size()) * 4;
+        folder.subfolders.push_back(std::move(child));
+    }
+    folder.failed = listing->failed();
+    folder.bytes += folder.entries.capacity() * sizeof(Entry) + folder.names.capacity();
+
+    std::lock_guard lock(mutex);
+    ++foldersHeld;
+    bytesHeld += folder.bytes;
+    if (readingAhead) {
+        // The first subfolder on top: the walk needs it first.
+        for (auto child = folder.subfolders.rbegin(); child != folder.subfolders.rend(); ++child) {
+            if (!(*child)->excluded)
+                pending.push_back(*child);
+        }
+        if (idleReaders > 0)
+            readerWake.notify_all();
+    }
+    folder.state.store(Folder::Read, std::memory_order_release);
+    if (walkWaiting)
+        walkWake.notify_one();
+}

@@ -1,0 +1,96 @@
+#pragma once
+
+#include "platform/DirectoryListing.h"
+
+#include <QString>
+
+#include <atomic>
+#include <condition_variable>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+// Lists the folders of a tree ahead of a walk that takes them one at a time,
+// depth first, in listing order. Reader threads list what the walk will need
+// next; the walk takes each folder as it was read, whichever thread read it,
+// so the walk's results do not depend on the number of readers. A folder the
+// walk needs before any reader has started it is read on the walk's thread.
+// What is read but not yet taken is bounded in folders and in bytes.
+class FolderReadAhead {
+public:
+    struct Entry {
+        std::uint64_t size = 0;
+        std::uint64_t lastAccessTime = 0;
+        std::uint32_t nameOffset = 0;
+        std::uint32_t nameLength = 0;
+        bool isDirectory = false;
+    };
+
+    // One folder of the tree. Its path and name are set when its parent is
+    // read; the rest when it is read itself.
+    struct Folder {
+        platform::NativeString name;
+        QString nameText;
+        QString path;
+        bool excluded = false; // never read, never entered
+        bool opened = false;
+        bool failed = false; // could not be opened, or its reading broke off
+        std::vector<Entry> entries;
+        platform::NativeString names; // every entry's name, one after the other
+        // One per folder entry, in listing order. The walk moves each out as
+        // it enters it, so that a finished folder is freed at once.
+        std::vector<std::shared_ptr<Folder>> subfolders;
+
+        [[nodiscard]] platform::NativeStringView nameOf(const Entry& entry) const
+        {
+            return platform::NativeStringView(names).substr(entry.nameOffset, entry.nameLength);
+        }
+
+    private:
+        friend class FolderReadAhead;
+        enum State { Waiting, Reading, Read };
+        std::atomic<int> state{Waiting};
+        // The parent's open listing, to open this one from; let go once open.
+        std::shared_ptr<platform::DirectoryListing> parentListing;
+        std::size_t bytes = 0;
+    };
+    using FolderPtr = std::shared_ptr<Folder>;
+    // Whether a folder, by its full path, is left out of the walk.
+    using Exclusion = std::function<bool(const QString& path)>;
+
+    // readers: threads that read ahead; 1 or less reads only on the walk's thread.
+    FolderReadAhead(const QString& root, int readers, Exclusion excluded);
+    ~FolderReadAhead();
+    FolderReadAhead(const FolderReadAhead&) = delete;
+    FolderReadAhead& operator=(const FolderReadAhead&) = delete;
+
+    [[nodiscard]] FolderPtr root() const { return rootFolder; }
+    // Waits until the folder is read, or reads it now; then its entries and
+    // subfolders are the walk's.
+    void take(Folder& folder);
+    // The walk is done with the folder: frees its entries and subfolders, and
+    // so makes room for more reading.
+    void release(Folder& folder);
+
+private:
+    void readerLoop();
+    void read(Folder& folder);
+    [[nodiscard]] bool roomToRead() const;
+
+    Exclusion excluded;
+    const bool readingAhead;
+    FolderPtr rootFolder;
+    std::atomic<bool> stopping{false};
+    std::mutex mutex;
+    std::condition_variable readerWake;
+    std::condition_variable walkWake;
+    // Folders waiting to be read: the one the walk needs soonest on top.
+    std::vector<FolderPtr> pending;
+    std::size_t foldersHeld = 0;
+    std::size_t bytesHeld = 0;
+    int idleReaders = 0;
+    bool walkWaiting = false;
+    std::vector<std::thread> readers;
+};

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "scan/ScanResult.h"
+
+#include <QString>
+
+class QIODevice;
+class QJsonObject;
+class QStandardItem;
+
+// The whole result of a scan as one JSON object, written as it goes rather
+// than built in memory: the biggest files, the categories with their files,
+// the folder rows in pre-order, the counts and the folders that could not be
+// read. Keys stand in alphabetical order at every level.
+class ScanJsonWriter {
+public:
+    ScanJsonWriter(const QString& scanPath, const ScanResult& result);
+
+    // False when the device would not take it all.
+    bool write(QIODevice& device) const;
+
+private:
+    [[nodiscard]] QByteArray biggestFiles() const;
+    [[nodiscard]] QByteArray categories() const;
+    bool writeFolders(QIODevice& device) const;
+
+    QString scanPath;
+    const ScanResult& result;
+};

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "settings/ExcludeEntry.h"
+#include "settings/FileTypeCategory.h"
+
+#include <QIcon>
+#include <QList>
+#include <QString>
+
+// Everything one scan reads, taken by value when it starts: later changes to
+// the settings leave a running scan alone.
+struct ScanRequest {
+    QString folder;
+    QList<ExcludeEntry> exclusions; // the enabled ones
+    QString oneDrivePath;
+    bool excludeOneDrive = false;
+    QList<FileTypeCategory> catalogue;
+    // Threads that read folders ahead of the walk; 1 reads on the walk's own thread.
+    int readers = defaultReaders();
+    // The icons the rows carry; none unless set.
+    QIcon folderIcon;
+    QIcon cloudFolderIcon;
+    bool categoryIcons = false;
+
+    // The folder with the settings as they stand in memory now.
+    [[nodiscard]] static ScanRequest fromSettings(const QString& folder);
+    // The icons the results screen shows, with the desktop's folder icon.
+    // Needs a GUI application.
+    void setShownIcons(const QIcon& desktopFolderIcon);
+    // As many readers as cores, and at least two.
+    [[nodiscard]] static int defaultReaders();
+};
