@@ -6,7 +6,7 @@
 #
 # Runs the real results screen offscreen three times: the time from
 # startScanning() to scanFinish(), and from Back to backToMain(). Then times
-# tallyroot-scan on the same tree and reports the ratio and the peak memory.
+# tallyroot-scan and du -sb -l on the same tree and reports the ratios.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 tree=${1:-/tmp/tallyroot-bench-tree}
@@ -19,8 +19,10 @@ screen=$(for _ in $(seq $runs); do
 done | sort -k2 -n | sed -n "$(( (runs + 1) / 2 ))p")
 results_seconds=$(awk '{ print $2 }' <<<"$screen")
 read -r scan_seconds scan_kib < <(measure build/src/tallyroot-scan --defaults "$tree")
+read -r du_seconds _ < <(measure du -sbl -x "$tree")
 
 echo "tree:            $tree"
 echo "results screen:  $screen (median of $runs)"
 printf 'tallyroot-scan:  %.2f s  peak %d MiB\n' "$scan_seconds" $((scan_kib / 1024))
-awk -v a="$results_seconds" -v b="$scan_seconds" 'BEGIN { printf "ratio:           %.2f x tallyroot-scan\n", a / b }'
+printf 'du -sb -l:       %.2f s\n' "$du_seconds"
+echo "ratio:           $(ratio "$results_seconds" "$du_seconds") x du, $(ratio "$results_seconds" "$scan_seconds") x tallyroot-scan"

@@ -1,44 +1,80 @@
 #!/usr/bin/env bash
-# The scan engine against du on the same tree, warm cache, in one run.
+# The scan engine against du on the same tree, in one run.
 #
 #   bench/scan-bench.sh [TREE]     (default /tmp/tallyroot-bench-tree)
 #
 # Makes the tree on first use (1,000,000 sparse files in 100,000 folders, depth
 # up to 12), then times three runs of each program and reports the median wall
-# time and the peak memory. du -sb -l counts apparent sizes and every hard
-# link, as the engine does; it also counts each folder's own size, which the
-# engine leaves out, so those sizes are taken off before the totals are
-# compared. Files are every entry that is not a folder.
+# time, the ratio to du and the peak memory: warm, and cold when the page
+# cache can be dropped (as root). tallyroot-scan runs with one thread (the
+# walk reads every folder itself) and with its default readers, and once more
+# with --json. The JSON of 1, 2 and 8 readers must be the same byte for byte.
+#
+# du -sb -l counts apparent sizes and every hard link, as the engine does; it
+# also counts each folder's own size, which the engine leaves out, so those
+# sizes are taken off before the totals are compared. Files are every entry
+# that is not a folder.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 tree=${1:-/tmp/tallyroot-bench-tree}
 source bench/common.sh
 prepare "$tree" tallyroot-scan
+scan=build/src/tallyroot-scan
+json=$(mktemp -d /tmp/tallyroot-bench-json.XXXXXX)
+trap 'rm -rf "$json"' EXIT
+
+report() { # LABEL SECONDS KIB DU-SECONDS
+    printf '%-32s %6.2f s  %5s x du  peak %4d MiB\n' "$1" "$2" "$(ratio "$2" "$4")" $(($3 / 1024))
+}
 
 read -r du_seconds du_kib < <(measure du -sbl -x "$tree")
-read -r scan_seconds scan_kib < <(measure build/src/tallyroot-scan --defaults "$tree")
+read -r one_seconds one_kib < <(measure "$scan" --defaults --threads 1 "$tree")
+read -r scan_seconds scan_kib < <(measure "$scan" --defaults "$tree")
+read -r json_seconds json_kib < <(measure "$scan" --defaults --json "$json/default.json" "$tree")
 
-summary=$(build/src/tallyroot-scan --defaults "$tree" 2>/dev/null)
+summary=$("$scan" --defaults "$tree" 2>/dev/null)
+echo "tree:    $tree"
+echo "engine:  $summary"
+echo "readers: $("$scan" --help | sed -nE 's/.*Default: ([0-9]+).*/\1/p') by default"
+echo "warm, median of $runs:"
+report "  du -sb -l" "$du_seconds" "$du_kib" "$du_seconds"
+report "  tallyroot-scan --threads 1" "$one_seconds" "$one_kib" "$du_seconds"
+report "  tallyroot-scan" "$scan_seconds" "$scan_kib" "$du_seconds"
+report "  tallyroot-scan --json" "$json_seconds" "$json_kib" "$du_seconds"
+if can_drop_caches; then
+    read -r du_cold du_cold_kib < <(measure_cold du -sbl -x "$tree")
+    read -r one_cold one_cold_kib < <(measure_cold "$scan" --defaults --threads 1 "$tree")
+    read -r scan_cold scan_cold_kib < <(measure_cold "$scan" --defaults "$tree")
+    echo "cold (page cache dropped before each run), median of $runs:"
+    report "  du -sb -l" "$du_cold" "$du_cold_kib" "$du_cold"
+    report "  tallyroot-scan --threads 1" "$one_cold" "$one_cold_kib" "$du_cold"
+    report "  tallyroot-scan" "$scan_cold" "$scan_cold_kib" "$du_cold"
+else
+    echo "cold: skipped (dropping the page cache needs root)"
+fi
+
+status=0
 scan_files=$(sed -E 's/.* ([0-9]+) files.*/\1/' <<<"$summary")
 scan_bytes=$(sed -E 's/.* ([0-9]+) bytes.*/\1/' <<<"$summary")
 du_bytes=$(du -sbl -x "$tree" | cut -f1)
 folder_bytes=$(find "$tree" -xdev -type d -printf '%s\n' | awk '{ s += $1 } END { print s }')
 find_files=$(find "$tree" -xdev ! -type d | wc -l)
-
-echo "tree:          $tree"
-echo "engine:        $summary"
-printf 'du -sb -l:     %6.2f s  peak %4d MiB\n' "$du_seconds" $((du_kib / 1024))
-printf 'tallyroot-scan:%6.2f s  peak %4d MiB\n' "$scan_seconds" $((scan_kib / 1024))
-awk -v a="$scan_seconds" -v b="$du_seconds" 'BEGIN { printf "ratio:         %.2f x du\n", a / b }'
-status=0
 if [ "$scan_bytes" -eq $((du_bytes - folder_bytes)) ]; then
-    echo "bytes:         agree ($scan_bytes)"
+    echo "bytes:   agree ($scan_bytes)"
 else
-    echo "bytes:         DIFFER: engine $scan_bytes, du less folders $((du_bytes - folder_bytes))"; status=1
+    echo "bytes:   DIFFER: engine $scan_bytes, du less folders $((du_bytes - folder_bytes))"; status=1
 fi
 if [ "$scan_files" -eq "$find_files" ]; then
-    echo "files:         agree ($scan_files)"
+    echo "files:   agree ($scan_files)"
 else
-    echo "files:         DIFFER: engine $scan_files, find $find_files"; status=1
+    echo "files:   DIFFER: engine $scan_files, find $find_files"; status=1
+fi
+for readers in 1 2 8; do
+    "$scan" --defaults --threads $readers --json "$json/$readers.json" "$tree" >/dev/null
+done
+if cmp -s "$json/1.json" "$json/2.json" && cmp -s "$json/1.json" "$json/8.json"; then
+    echo "json:    the same for 1, 2 and 8 readers ($(stat -c %s "$json/1.json") bytes)"
+else
+    echo "json:    DIFFERS between 1, 2 and 8 readers"; status=1
 fi
 exit $status

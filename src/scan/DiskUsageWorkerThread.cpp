@@ -1,5 +1,6 @@
 #include "DiskUsageWorkerThread.h"
 
+#include "FolderValueCell.h"
 #include "ReportPreparation.h"
 #include "platform/NativeText.h"
 
@@ -21,7 +22,7 @@ struct DiskUsageWorkerThread::Frame {
     std::size_t nextEntry = 0;
     std::size_t nextSubfolder = 0;
     int depth = 0;
-    // The row's cells; the root row's last two are made when they are set.
+    // The row's cells.
     Cells cells{};
     Totals totals;
     QList<TMaxDataItem> summary;
@@ -79,13 +80,14 @@ void DiskUsageWorkerThread::run()
 void DiskUsageWorkerThread::buildRootRow(const QString& name, Cells& cells) const
 {
     cells = {new QStandardItem(name),
-             new QStandardItem(QStringLiteral("Column 2 Text")),
-             new QStandardItem,
-             new QStandardItem,
-             new QStandardItem(QString()),
-             new QStandardItem(QDir::toNativeSeparators(request.folder)),
-             new QStandardItem};
-    cells[Percentage]->setData(100.0, Qt::EditRole);
+             new FolderValueCell(QStringLiteral("Column 2 Text")),
+             new FolderValueCell,
+             new FolderValueCell,
+             new FolderValueCell(QString()),
+             new FolderValueCell(QDir::toNativeSeparators(request.folder)),
+             new FolderValueCell(100.0),
+             new FolderValueCell,
+             new FolderValueCell};
     if (!request.folderIcon.isNull())
         cells[Name]->setIcon(iconFor(request.folder));
 }
@@ -250,13 +252,13 @@ DiskUsageWorkerThread::Cells DiskUsageWorkerThread::appendFolderRow(QStandardIte
                                                                     const QString& name,
                                                                     const QString& path) const
 {
+    static const QVariant placeholder = QStringLiteral("Column 2 Text");
     Cells cells{};
-    for (auto& cell : cells)
-        cell = new QStandardItem;
-    cells[Name]->setText(name);
-    cells[Name]->setIcon(iconFor(path));
-    cells[SizeText]->setText(QStringLiteral("Column 2 Text"));
-    cells[Path]->setText(path);
+    cells[Name] = new QStandardItem(iconFor(path), name);
+    for (int column = SizeText; column < Count; ++column)
+        cells[column] = new FolderValueCell;
+    static_cast<FolderValueCell*>(cells[SizeText])->setValue(placeholder);
+    static_cast<FolderValueCell*>(cells[Path])->setValue(path);
     parent->appendRow(QList<QStandardItem*>(cells.begin(), cells.end()));
     return cells;
 }
@@ -270,11 +272,8 @@ const QIcon& DiskUsageWorkerThread::iconFor(const QString& path) const
 
 void DiskUsageWorkerThread::finish(Frame& frame)
 {
-    const auto set = [&frame](int column, const QVariant& value) {
-        QStandardItem*& cell = frame.cells[column];
-        if (!cell)
-            cell = new QStandardItem; // the root row's last cells come with their values
-        cell->setData(value, Qt::EditRole);
+    const auto set = [&frame](int column, QVariant value) {
+        static_cast<FolderValueCell*>(frame.cells[column])->setValue(std::move(value));
     };
     set(Size, QVariant::fromValue<qulonglong>(frame.totals.size));
     set(SizeText, DiskUsageGlobal::sizeText(double(frame.totals.size)));

@@ -29,7 +29,9 @@ void ScanRequest::setShownIcons(const QIcon& desktopFolderIcon)
     categoryIcons = true;
 }
 
+// Readers wait on the disk more than they use a core when the cache is cold,
+// so there are more of them than cores.
 int ScanRequest::defaultReaders()
 {
-    return std::max(2, QThread::idealThreadCount());
+    return std::clamp(2 * QThread::idealThreadCount(), 4, 16);
 }

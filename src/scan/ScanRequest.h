@@ -27,6 +27,6 @@ struct ScanRequest {
     // The icons the results screen shows, with the desktop's folder icon.
     // Needs a GUI application.
     void setShownIcons(const QIcon& desktopFolderIcon);
-    // As many readers as cores, and at least two.
+    // Twice as many readers as cores, from 4 to 16.
     [[nodiscard]] static int defaultReaders();
 };
