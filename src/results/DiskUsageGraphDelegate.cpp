@@ -1,12 +1,9 @@
 #include "DiskUsageGraphDelegate.h"
 
+#include "scan/FolderColumn.h"
+
 #include <QPainter>
 #include <QStandardItemModel>
-
-namespace {
-constexpr int sizeColumn = 1;
-constexpr int percentageColumn = 6;
-} // namespace
 
 DiskUsageGraphDelegate::DiskUsageGraphDelegate(QStandardItemModel* model, QObject* parent)
     : QStyledItemDelegate(parent)
@@ -23,11 +20,12 @@ int DiskUsageGraphDelegate::barWidth(int cellWidth, const QVariant& percentage)
 void DiskUsageGraphDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                                    const QModelIndex& index) const
 {
-    if (index.column() == sizeColumn) {
+    if (index.column() == FolderColumn::SizeText) {
         painter->setPen(Qt::yellow);
         painter->setBrush(QBrush(Qt::yellow, Qt::SolidPattern));
         if (model) {
-            const QVariant share = index.siblingAtColumn(percentageColumn).data(Qt::DisplayRole);
+            const QVariant share =
+                index.siblingAtColumn(FolderColumn::Percentage).data(Qt::DisplayRole);
             const QRect bar(option.rect.left(), option.rect.top(),
                             barWidth(option.rect.width(), share), option.rect.height());
             painter->drawRects(&bar, 1);

@@ -1,9 +1,10 @@
 #include "DiskUsageClearRamThread.h"
 
+#include "FolderColumn.h"
+
 #include <QStandardItemModel>
 
 namespace {
-constexpr int folderIndexColumn = 8;
 constexpr int categoryIndexColumn = 5;
 } // namespace
 
@@ -19,7 +20,7 @@ DiskUsageClearRamThread::DiskUsageClearRamThread(QObject* parent, QStandardItemM
 void DiskUsageClearRamThread::run()
 {
     setPriority(QThread::HighPriority);
-    folderModel->sort(folderIndexColumn, Qt::AscendingOrder);
+    folderModel->sort(FolderColumn::Index, Qt::AscendingOrder);
     emit updateScanProgress();
     folderModel->clear();
     emit updateScanProgress();

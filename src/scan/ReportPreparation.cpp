@@ -1,6 +1,7 @@
 #include "ReportPreparation.h"
 
 #include "DiskUsageGlobal.h"
+#include "FolderColumn.h"
 
 #include <QLoggingCategory>
 #include <QStandardItemModel>
@@ -11,9 +12,6 @@
 Q_LOGGING_CATEGORY(lcReport, "tallyroot.scan", QtInfoMsg)
 
 namespace {
-
-constexpr int sizeColumn = 4;
-constexpr int percentageColumn = 6;
 
 quint64 sizeOf(const QStandardItem* cell)
 {
@@ -73,8 +71,8 @@ void ReportPreparation::setPercentages(QStandardItem* rootNameCell, quint64 root
         for (int row = 0; row < parent->rowCount(); ++row) {
             if (cancelled())
                 return;
-            const quint64 size = sizeOf(parent->child(row, sizeColumn));
-            parent->child(row, percentageColumn)
+            const quint64 size = sizeOf(parent->child(row, FolderColumn::Size));
+            parent->child(row, FolderColumn::Percentage)
                 ->setData(percentage(size, parentSize), Qt::EditRole);
             if (parent->child(row)->hasChildren())
                 pending.emplace_back(parent->child(row), size);

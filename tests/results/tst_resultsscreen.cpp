@@ -48,6 +48,8 @@ private:
     static QStringList visibleLegendNames(QObject* form);
 
     IsolatedSettings isolated;
+    // The scanning panel's counter as the results arrived.
+    QString finalCount;
     QTemporaryDir dir;
     OpenedUrls opened;
     const QString longName = QString(41, 'L');
@@ -101,6 +103,8 @@ std::unique_ptr<DiskUsageScanProgressForm> TestResultsScreen::scanned()
     form->resize(986, 513);
     form->show();
     QSignalSpy finished(form.get(), &DiskUsageScanProgressForm::scanFinish);
+    connect(form.get(), &DiskUsageScanProgressForm::scanFinish, this,
+            [this, &form] { finalCount = child<QLabel>(form.get(), "itemScanLabel")->text(); });
     form->startScanning(QDir::toNativeSeparators(dir.path()));
     if (!finished.wait(20000))
         return nullptr;
@@ -132,10 +136,14 @@ void TestResultsScreen::resultsShowTheScannedTree()
     auto* tabs = child<QTabWidget>(form.get(), "tabWidget");
     QVERIFY(tabs->isVisible());
     QVERIFY(child<QWidget>(form.get(), "toolBar")->isVisible());
-    QCOMPARE(tabs->tabText(0), QStringLiteral("General"));
-    QCOMPARE(tabs->tabText(1), QStringLiteral("20 biggest Files"));
-    QCOMPARE(tabs->tabText(2), QStringLiteral("Data Files"));
     QCOMPARE(tabs->currentIndex(), 0);
+    // The counter, read from the scan on a timer, ends at every entry of the tree.
+    int entries = 0;
+    for (QDirIterator it(dir.path(), QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden,
+                         QDirIterator::Subdirectories);
+         it.hasNext(); it.next())
+        ++entries;
+    QCOMPARE(finalCount, QString::number(entries) + QStringLiteral(" items scanned"));
     QVERIFY(!form->findChild<DiskUsageScanInfoForm*>() ||
             !form->findChild<DiskUsageScanInfoForm*>()->isVisible());
 
@@ -146,7 +154,6 @@ void TestResultsScreen::resultsShowTheScannedTree()
     QCOMPARE(tree->currentIndex(), root);
     for (int column = 4; column <= 8; ++column)
         QVERIFY(tree->isColumnHidden(column));
-    QCOMPARE(tree->columnWidth(0), 200);
 
     // Largest first on every level, and a header click does not re-sort.
     QStringList order;

@@ -510,11 +510,16 @@ void TestScanWorker::releasingEmptiesTheModels()
 
     DiskUsageClearRamThread release(nullptr, &scan.folderModel, &scan.dataFilesModel,
                                     &biggestFiles);
-    QSignalSpy steps(&release, &DiskUsageClearRamThread::updateScanProgress);
-    QSignalSpy finished(&release, &DiskUsageClearRamThread::processFinish);
+    // Counted on this thread, as the results screen counts them.
+    int steps = 0;
+    bool finished = false;
+    QObject receiver;
+    connect(&release, &DiskUsageClearRamThread::updateScanProgress, &receiver, [&] { ++steps; });
+    connect(&release, &DiskUsageClearRamThread::processFinish, &receiver, [&] { finished = true; });
     release.start();
-    QVERIFY(finished.wait());
-    QCOMPARE(steps.count(), 5);
+    QTRY_VERIFY(finished);
+    release.wait();
+    QCOMPARE(steps, 5);
     QCOMPARE(scan.folderModel.rowCount(), 0);
     QCOMPARE(scan.dataFilesModel.rowCount(), 0);
     QCOMPARE(biggestFiles.rowCount(), 0);
