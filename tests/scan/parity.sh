@@ -53,5 +53,15 @@ passed=0 failed=0
 check() { if [ "$2" -eq "$3" ]; then passed=$((passed + 1)); else echo "$1 differ"; failed=$((failed + 1)); fi; }
 check bytes "$engine_bytes" $((du_bytes - folder_bytes))
 check "file counts" "$engine_files" "$find_files"
+
+# The same result, byte for byte, whether the walk reads alone or readers read ahead.
+out=$work/json && mkdir "$out" && chmod 777 "$out"
+for readers in 1 2 8; do
+    run "$scan" --defaults --threads $readers --json "$out/$readers.json" "$t" >/dev/null 2>&1
+done
+check "JSON of 1 and 2 readers" "$(cmp -s "$out/1.json" "$out/2.json"; echo $?)" 0
+check "JSON of 1 and 8 readers" "$(cmp -s "$out/1.json" "$out/8.json"; echo $?)" 0
+check "unreadable folders in the JSON" "$(grep -c '"unreadable":\[".*locked/inside"\]' "$out/1.json")" \
+      "$([ "$(id -u)" -ne 0 ] || command -v setpriv >/dev/null && echo 1 || echo 0)"
 echo "$passed passed, $failed failed"
 [ "$failed" -eq 0 ]
