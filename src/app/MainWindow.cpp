@@ -16,6 +16,8 @@ MainWindow::MainWindow(QWidget* parent)
 
     stackedLayout = new QStackedLayout;
     homeForm = new DiskUsageForm(this);
+    // A close refused while a release ran comes back once it has ended.
+    connect(homeForm, &DiskUsageForm::closeApp, this, &QWidget::close);
     homeForm->show();
     stackedLayout->addWidget(homeForm);
     ui->centralwidget->setLayout(stackedLayout);

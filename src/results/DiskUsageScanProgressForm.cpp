@@ -421,6 +421,15 @@ void DiskUsageScanProgressForm::startRelease()
     delete delegate;
     for (QTreeView* view : {ui->treeView, ui->biggestFileTreeView, ui->dataFilesTreeView})
         view->setModel(nullptr);
+    // The release thread sorts and clears the models: nothing on this thread may
+    // still watch them. A view (and its header) lets go of its model, but not of
+    // the selection models made for it, which react to the model until deleted.
+    const QSet<const QAbstractItemModel*> released{&generalModel, &biggestFilesModel,
+                                                   &dataFilesModel};
+    for (QItemSelectionModel* selection : findChildren<QItemSelectionModel*>()) {
+        if (released.contains(selection->model()))
+            delete selection;
+    }
     ui->toolBar->hide();
     ui->tabWidget->hide();
 

@@ -59,8 +59,9 @@ DiskUsageOptionsForm::~DiskUsageOptionsForm() = default;
 void DiskUsageOptionsForm::loadSettings()
 {
     ExclusionSettings::load();
+    exclusions = ExclusionSettings::excludeList();
     showExclusions();
-    showFileTypes();
+    showFileTypes(FileTypeCatalogue::instance());
     ui->excludeOneDrivecheckBox->setChecked(ExclusionSettings::excludeOneDriveFolder() == 1);
     const QString oneDrive = SettingsStore::oneDrivePath();
     ui->oneDriveInfoLabel->setText(oneDrive);
@@ -75,10 +76,10 @@ bool DiskUsageOptionsForm::hasUnsavedChanges() const
     return ui->saveButton->isEnabled();
 }
 
-void DiskUsageOptionsForm::showFileTypes()
+void DiskUsageOptionsForm::showFileTypes(const QList<FileTypeCategory>& catalogue)
 {
     ui->treeWidget->clear();
-    for (const FileTypeCategory& category : std::as_const(FileTypeCatalogue::instance())) {
+    for (const FileTypeCategory& category : catalogue) {
         ui->treeWidget->addTopLevelItem(
             checkableItem(FileTypeCatalogue::displayText(category), category.checked,
                           FileTypeCatalogue::categoryIcon(category.name)));
@@ -88,7 +89,7 @@ void DiskUsageOptionsForm::showFileTypes()
 void DiskUsageOptionsForm::showExclusions()
 {
     ui->excludeTreeWidget->clear();
-    for (const ExcludeEntry& entry : std::as_const(ExclusionSettings::excludeList())) {
+    for (const ExcludeEntry& entry : std::as_const(exclusions)) {
         ui->excludeTreeWidget->addTopLevelItem(
             checkableItem(entry.path, entry.enable, platform::smallFileIcon(entry.path)));
     }
@@ -116,6 +117,7 @@ void DiskUsageOptionsForm::save()
     ExclusionSettings::excludeOneDriveFolder() = ui->excludeOneDrivecheckBox->isChecked() ? 1 : 0;
     writeSettings();
     ExclusionSettings::load();
+    exclusions = ExclusionSettings::excludeList();
     ui->saveButton->setEnabled(false);
 }
 
@@ -153,7 +155,7 @@ void DiskUsageOptionsForm::on_excludeTreeWidget_itemClicked(QTreeWidgetItem* ite
 {
     if (!loaded || !item)
         return;
-    for (const ExcludeEntry& entry : std::as_const(ExclusionSettings::excludeList())) {
+    for (const ExcludeEntry& entry : std::as_const(exclusions)) {
         if (item->text(0).contains(entry.path)) {
             if (isChecked(item) != entry.enable)
                 ui->saveButton->setEnabled(true);
@@ -179,7 +181,7 @@ void DiskUsageOptionsForm::on_excludeAddButton_clicked()
     if (path.isEmpty())
         return;
     // A full list or a folder already listed drops the new one without a word.
-    if (ExclusionSettings::append(ExclusionSettings::excludeList(), ExcludeEntry{true, path})) {
+    if (ExclusionSettings::append(exclusions, ExcludeEntry{true, path})) {
         qCDebug(lcOptions).noquote() << "excludeFolderData.path" << path;
         qCDebug(lcOptions).noquote() << "excludeFolderData.enable" << 1;
     }
@@ -194,10 +196,9 @@ void DiskUsageOptionsForm::on_excludeRemoveButton_clicked()
     QTreeWidgetItem* item = ui->excludeTreeWidget->currentItem();
     if (!item)
         return;
-    QList<ExcludeEntry>& list = ExclusionSettings::excludeList();
-    for (qsizetype index = 0; index < list.size(); ++index) {
-        if (list.at(index).path.compare(item->text(0), Qt::CaseInsensitive) == 0) {
-            list.removeAt(index);
+    for (qsizetype index = 0; index < exclusions.size(); ++index) {
+        if (exclusions.at(index).path.compare(item->text(0), Qt::CaseInsensitive) == 0) {
+            exclusions.removeAt(index);
             delete ui->excludeTreeWidget->takeTopLevelItem(
                 ui->excludeTreeWidget->indexOfTopLevelItem(item));
             return;
@@ -240,8 +241,9 @@ void DiskUsageOptionsForm::on_FileTypesRestoreButton_clicked()
                              QStringLiteral("Are you sure you want to restore the file types?"),
                              QMessageBox::Yes | QMessageBox::No);
     if (answer == QMessageBox::Yes) {
-        FileTypeCatalogue::fillDefaults(FileTypeCatalogue::instance());
-        showFileTypes();
+        QList<FileTypeCategory> defaults;
+        FileTypeCatalogue::fillDefaults(defaults);
+        showFileTypes(defaults);
         ui->saveButton->setEnabled(true);
     }
     if (QTreeWidgetItem* item = ui->treeWidget->topLevelItem(row))

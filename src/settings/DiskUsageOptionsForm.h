@@ -1,5 +1,8 @@
 #pragma once
 
+#include "ExcludeEntry.h"
+#include "FileTypeCategory.h"
+
 #include <QWidget>
 
 #include <memory>
@@ -12,8 +15,9 @@ class DiskUsageOptionsForm;
 
 // The "Options" tab: which file-type categories a scan sorts files into and
 // with which extensions, and which folders scans leave out. Changes collect in
-// the page's trees and become settings on "Save"; an enabled "Save" means
-// there are unsaved changes.
+// the page (its trees and its own copy of the excluded folders) and become
+// settings on "Save", so a scan never sees them unsaved; an enabled "Save"
+// means there are unsaved changes.
 class DiskUsageOptionsForm : public QWidget {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(DiskUsageOptionsForm)
@@ -42,10 +46,11 @@ private slots:
     void on_FileTypesRestoreButton_clicked();
 
 private:
-    void showFileTypes();
+    void showFileTypes(const QList<FileTypeCategory>& catalogue);
     void showExclusions();
     void writeSettings();
 
     std::unique_ptr<Ui::DiskUsageOptionsForm> ui;
+    QList<ExcludeEntry> exclusions;
     bool loaded = false;
 };

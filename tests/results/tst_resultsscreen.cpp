@@ -30,6 +30,7 @@ private slots:
     void theDataFilesTabAndItsDetails();
     void buttonsFollowTheSelection();
     void backReleasesAndReturnsHome();
+    void backWithEveryRowSelectedAgainAndAgain();
     void cancelDuringAScanReturnsHome();
     void filesDeletedAfterTheScan();
     void scanningPanel();
@@ -301,6 +302,40 @@ void TestResultsScreen::backReleasesAndReturnsHome()
     QTest::qWait(50);
     QCOMPARE(home.count(), 1);
     QVERIFY(!child<QWidget>(form.get(), "tabWidget")->isVisible());
+}
+
+namespace {
+
+void selectEveryRow(QItemSelectionModel* selection, const QModelIndex& parent = {})
+{
+    const QAbstractItemModel* model = selection->model();
+    for (int row = 0; row < model->rowCount(parent); ++row) {
+        const QModelIndex index = model->index(row, 0, parent);
+        selection->select(index, QItemSelectionModel::Select | QItemSelectionModel::Rows);
+        selectEveryRow(selection, index);
+    }
+}
+
+} // namespace
+
+// The release sorts and clears the models on a thread of its own: nothing on
+// this thread may watch them by then, however much was selected.
+void TestResultsScreen::backWithEveryRowSelectedAgainAndAgain()
+{
+    for (int round = 0; round < 30; ++round) {
+        auto form = scanned();
+        QVERIFY(form);
+        QSet<const QAbstractItemModel*> released;
+        for (QTreeView* view : form->findChildren<QTreeView*>()) {
+            released.insert(view->model());
+            selectEveryRow(view->selectionModel());
+        }
+        QSignalSpy home(form.get(), &DiskUsageScanProgressForm::backToMain);
+        child<QToolButton>(form.get(), "backButton")->click();
+        for (const QItemSelectionModel* selection : form->findChildren<QItemSelectionModel*>())
+            QVERIFY(!released.contains(selection->model()));
+        QVERIFY(home.wait());
+    }
 }
 
 void TestResultsScreen::cancelDuringAScanReturnsHome()
