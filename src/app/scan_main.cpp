@@ -51,7 +51,8 @@ int main(int argc, char* argv[])
     QCommandLineParser parser;
     parser.setApplicationDescription("Scans one folder with Tallyroot's scan engine and prints "
                                      "a summary: folders (the scanned one included), files, "
-                                     "bytes, entries and seconds.");
+                                     "bytes, entries and seconds, and how many folders could "
+                                     "not be read.");
     parser.addHelpOption();
     parser.addOptions({
         {"defaults", "Built-in file types, no exclusions, OneDrive included; the stored "
@@ -95,9 +96,12 @@ int main(int argc, char* argv[])
     const double seconds = double(timer.nsecsElapsed()) / 1e9;
     const ScanResult result = worker.takeResult();
 
-    std::printf("%s: %u folders, %u files, %llu bytes, %d entries, %.3f seconds\n",
-                qPrintable(path), result.totalFolders + 1, result.totalFiles,
+    std::printf("%s: %u folders, %u files, %llu bytes, %d entries, %.3f seconds", qPrintable(path),
+                result.totalFolders + 1, result.totalFiles,
                 static_cast<unsigned long long>(result.totalSize), result.itemsScanned, seconds);
+    if (!result.unreadable.isEmpty())
+        std::printf(", unreadable folders: %lld", static_cast<long long>(result.unreadable.size()));
+    std::printf("\n");
 
     int status = 0;
     if (json && !(ScanJsonWriter(path, result).write(*json) && json->flush())) {

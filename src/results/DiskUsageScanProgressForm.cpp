@@ -68,6 +68,7 @@ DiskUsageScanProgressForm::DiskUsageScanProgressForm(QWidget* parent)
     ui->toolBar->hide();
     ui->tabWidget->hide();
     ui->tabWidget->setCurrentIndex(0);
+    ui->unreadableLabel->hide();
     itemCountTimer.setInterval(itemCountInterval);
     connect(&itemCountTimer, &QTimer::timeout, this,
             [this] { handleUpdateTotalItemScan(worker->itemsScanned()); });
@@ -249,6 +250,23 @@ void DiskUsageScanProgressForm::takeResult()
         dataFilesModel.appendRow(std::exchange(row, {}));
     biggestFiles = std::move(result.biggestFiles);
     dataFiles = std::move(result.dataFiles);
+    showUnreadable(result.unreadable);
+}
+
+// A folder that could not be read shows as an empty row; the line says how
+// many there were, and its tooltip which.
+void DiskUsageScanProgressForm::showUnreadable(const QStringList& folders)
+{
+    constexpr int listed = 25;
+    QLabel* label = ui->unreadableLabel;
+    label->setVisible(!folders.isEmpty());
+    label->setText(folders.size() == 1
+                       ? QStringLiteral("1 folder could not be read")
+                       : QStringLiteral("%1 folders could not be read").arg(folders.size()));
+    QStringList lines = folders.mid(0, listed);
+    if (folders.size() > listed)
+        lines << QStringLiteral("and %1 more").arg(folders.size() - listed);
+    label->setToolTip(lines.join('\n'));
 }
 
 void DiskUsageScanProgressForm::showFolderTree()

@@ -71,6 +71,7 @@ private:
     void showBiggestFiles();
     void showDataFiles();
     void takeResult();
+    void showUnreadable(const QStringList& folders);
     void startRelease();
     void showLegendRow(int row, const QString& icon, const QString& name, quint64 size);
     [[nodiscard]] QString selectedFilePath() const;

@@ -33,6 +33,7 @@ private slots:
     void backWithEveryRowSelectedAgainAndAgain();
     void cancelDuringAScanReturnsHome();
     void filesDeletedAfterTheScan();
+    void unreadableFoldersAreCounted();
     void scanningPanel();
     void detailsDialogSorting();
     void sizeBars();
@@ -368,6 +369,24 @@ void TestResultsScreen::filesDeletedAfterTheScan()
     child<QToolButton>(form.get(), "explorerBiggestButton")->click();
     QCOMPARE(opened.urls.size(), 2); // handed over all the same; nothing breaks
     QVERIFY(QFile::rename(dir.filePath("moved.iso"), dir.filePath("big.iso")));
+}
+
+void TestResultsScreen::unreadableFoldersAreCounted()
+{
+    QVERIFY(!child<QLabel>(scanned().get(), "unreadableLabel")->isVisible());
+    const QString locked = dir.filePath("locked");
+    QVERIFY(QDir().mkpath(locked + "/inside"));
+    QFile::setPermissions(locked, {});
+    const bool readable = QDir(locked).exists("inside");
+    auto form = readable ? nullptr : scanned();
+    QFile::setPermissions(locked, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    QVERIFY(QDir(locked).removeRecursively());
+    if (readable)
+        QSKIP("this user reads every folder (root); tests/scan/parity.sh counts one as nobody");
+    auto* label = child<QLabel>(form.get(), "unreadableLabel");
+    QVERIFY(label->isVisible());
+    QCOMPARE(label->text(), QStringLiteral("1 folder could not be read"));
+    QCOMPARE(label->toolTip(), QDir::toNativeSeparators(locked));
 }
 
 void TestResultsScreen::scanningPanel()

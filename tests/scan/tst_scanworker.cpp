@@ -408,6 +408,7 @@ void TestScanWorker::aFolderThatVanishesIsEmpty()
     QCOMPARE(cell(goes, Size).toULongLong(), 0ull);
     QCOMPARE(cell(goes, Files).toInt(), 0);
     QCOMPARE(cell(scan.root(), Size).toULongLong(), 3ull);
+    QCOMPARE(scan.result.unreadable, QStringList{under("goes")});
 }
 
 namespace {
