@@ -332,22 +332,13 @@ void DiskUsageScanProgressForm::OnTreeViewSelectionChanged(const QItemSelection&
     summarySize->setText(DiskUsageGlobal::sizeText(double(total)));
     ui->explorerGeneralButton->setEnabled(!row.siblingAtColumn(Path).data().toString().isEmpty());
 
-    // name:size:kind; for each of the largest children, then the row count.
-    QString summary = row.siblingAtColumn(MaxData).data().toString();
     quint64 listed = 0;
     int filled = 0;
-    for (qsizetype end = summary.indexOf(';'); end >= 1 && filled < legendRows;
-         end = summary.indexOf(';')) {
-        const QString entry = summary.left(end);
-        const qsizetype colon = entry.indexOf(':');
-        const QString rest = entry.mid(colon + 1);
-        const qsizetype next = rest.indexOf(':');
-        const quint64 size = next > 0 ? rest.left(next).toULongLong() : 0;
-        const int kind = rest.mid(next + 1).toInt();
-        listed += size;
-        showLegendRow(filled++, kind == 1 ? folderIcon : fileIcon, shortenedName(entry.left(colon)),
-                      size);
-        summary.remove(0, end + 1);
+    const QString summary = row.siblingAtColumn(MaxData).data().toString();
+    for (const DiskUsageGlobal::SummaryEntry& entry : DiskUsageGlobal::parseChildSummary(summary)) {
+        listed += entry.size;
+        showLegendRow(filled++, entry.isFolder ? folderIcon : fileIcon, shortenedName(entry.name),
+                      entry.size);
     }
     for (int hidden = filled; hidden < legendRows; ++hidden) {
         legendIcons[hidden]->hide();

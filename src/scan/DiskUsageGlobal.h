@@ -76,6 +76,18 @@ inline const QString imageFiles3d = QStringLiteral("3D Image Files");
 // name:size:kind; for each entry, then the folder's number of child rows.
 [[nodiscard]] QString childSummary(const QList<TMaxDataItem>& ranked, int childRows);
 
+// One entry of a child summary as the legend shows it.
+struct SummaryEntry {
+    QString name;
+    quint64 size = 0;
+    bool isFolder = false;
+};
+// The entries of a child summary. Names are written unescaped, so a name may
+// hold ":" and ";": of the ways to read the text, the first that makes a
+// whole summary (at most ten entries, largest first, then the row count) is
+// taken. Empty when no way does.
+[[nodiscard]] QList<SummaryEntry> parseChildSummary(const QString& summary);
+
 // Keeps the `limit` largest entries, largest first: a new entry goes before the
 // first strictly smaller one, so ties keep the earlier entry in front. The
 // entry is made only when it will be kept. True when it was kept.

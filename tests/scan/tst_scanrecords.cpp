@@ -21,7 +21,7 @@ private slots:
     void extensionKeyIsTheCompleteSuffix();
     void rankedInsertionKeepsTheLargest();
     void rankedInsertionMakesOnlyWhatItKeeps();
-    void childSummaryIsNotEscaped();
+    void childSummaryIsNotEscapedYetReadsBack();
     void matcher_data();
     void matcher();
     void matcherCountsACategoryOnce();
@@ -114,7 +114,7 @@ void TestScanRecords::rankedInsertionMakesOnlyWhatItKeeps()
     QCOMPARE(made, 3);
 }
 
-void TestScanRecords::childSummaryIsNotEscaped()
+void TestScanRecords::childSummaryIsNotEscapedYetReadsBack()
 {
     const auto item = [](const char* name, qint64 size, qint32 kind) {
         return TMaxDataItem{platform::toNative(QString::fromUtf8(name)), size, kind};
@@ -122,9 +122,30 @@ void TestScanRecords::childSummaryIsNotEscaped()
     const QList<TMaxDataItem> ranked{
         item("a.iso", 5000, TMaxDataItem::File), item("Music", 3000, TMaxDataItem::Folder),
         item("odd:name;x", 7, TMaxDataItem::File), item("\u00dcbung", 6, TMaxDataItem::File)};
-    QCOMPARE(childSummary(ranked, 1),
+    const QString summary = childSummary(ranked, 1);
+    QCOMPARE(summary,
              QString::fromUtf8("a.iso:5000:0;Music:3000:1;odd:name;x:7:0;\u00dcbung:6:0;1"));
     QCOMPARE(childSummary({}, 0), QStringLiteral("0"));
+    QVERIFY(parseChildSummary(QStringLiteral("0")).isEmpty());
+
+    const auto names = [](const QList<SummaryEntry>& entries) {
+        QStringList result;
+        for (const SummaryEntry& entry : entries)
+            result << QStringLiteral("%1=%2%3")
+                          .arg(entry.name)
+                          .arg(entry.size)
+                          .arg(entry.isFolder ? "/" : "");
+        return result;
+    };
+    QCOMPARE(names(parseChildSummary(summary)),
+             QStringList({"a.iso=5000", "Music=3000/", "odd:name;x=7", "\u00dcbung=6"}));
+    // Names that look like a whole entry, or like sizes: read as the ranking allows.
+    QCOMPARE(
+        names(parseChildSummary(childSummary(
+            {item("ratio: 16", 900, TMaxDataItem::File), item("x:1:0;y", 500, TMaxDataItem::File),
+             item("12", 40, TMaxDataItem::Folder), item(";", 3, TMaxDataItem::File)},
+            1))),
+        QStringList({"ratio: 16=900", "x:1:0;y=500", "12=40/", ";=3"}));
 }
 
 void TestScanRecords::matcher_data()

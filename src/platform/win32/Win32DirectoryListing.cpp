@@ -21,16 +21,24 @@ bool isDotOrDotDot(const wchar_t* name)
            (name[0] == L'.' && name[1] == L'.' && name[2] == L'\0');
 }
 
-// Past MAX_PATH a drive path only lists in its extended form, which takes no
-// forward slashes and no doubled separators.
+bool isSeparator(wchar_t c)
+{
+    return c == L'\\' || c == L'/';
+}
+
+// Past MAX_PATH a path only lists in its extended form: \\?\C:\... for a drive
+// path, \\?\UNC\server\share\... for a share. That form takes no forward
+// slashes and no doubled separators.
 std::wstring searchPattern(const std::wstring& path)
 {
     std::wstring pattern = path + L"\\*";
     const bool drivePath = path.size() >= 2 && path[1] == L':';
-    if (pattern.size() < MAX_PATH || !drivePath)
+    const bool sharePath =
+        path.size() > 2 && isSeparator(path[0]) && isSeparator(path[1]) && path[2] != L'?';
+    if (pattern.size() < MAX_PATH || !(drivePath || sharePath))
         return pattern;
-    std::wstring extended = L"\\\\?\\";
-    for (wchar_t c : pattern) {
+    std::wstring extended = sharePath ? L"\\\\?\\UNC\\" : L"\\\\?\\";
+    for (wchar_t c : sharePath ? pattern.substr(2) : pattern) {
         if (c == L'/')
             c = L'\\';
         if (c != L'\\' || extended.back() != L'\\')
