@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -22,6 +23,15 @@ struct DirectoryEntry {
     // 100-nanosecond ticks since 1601-01-01 UTC, as Windows keeps file times.
     std::uint64_t lastAccessTime = 0;
     bool isDirectory = false;
+    bool isLink = false; // a junction or directory link, entered as a folder (Windows)
+};
+
+// Which folder a path leads to, as the file system knows it: device and inode
+// on Linux, volume serial number and file ID on Windows.
+struct FolderIdentity {
+    std::uint64_t volume = 0;
+    std::uint64_t file = 0;
+    bool operator==(const FolderIdentity&) const = default;
 };
 
 // One folder being listed. Entries come in file-system order, "." and ".."
@@ -41,6 +51,12 @@ public:
     [[nodiscard]] DirectoryListing openChild(const NativeString& name) const;
 
     [[nodiscard]] bool isOpen() const;
+    // The open folder's identity, where opening it told it (Linux); none on
+    // Windows, where a listing does not open the folder itself.
+    [[nodiscard]] std::optional<FolderIdentity> identity() const;
+    // Asks the system for the identity of the folder at a path; none when it
+    // cannot tell.
+    [[nodiscard]] static std::optional<FolderIdentity> identityOf(const NativeString& path);
     // True when the folder could not be opened or its reading broke off. A
     // folder on another file system, which is not entered on purpose, has not
     // failed.

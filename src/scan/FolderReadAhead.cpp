@@ -88,12 +88,37 @@ void FolderReadAhead::readerLoop()
     }
 }
 
+// Where opening a folder told its identity (Linux), every folder is compared
+// with those above it; elsewhere only a link is, and the identities are asked for.
+bool FolderReadAhead::leadsToAncestor(const Ancestry& folder, bool isLink)
+{
+    const auto identityOf = [isLink](const Ancestry& ancestry) {
+        return ancestry.identity || !isLink
+                   ? ancestry.identity
+                   : platform::DirectoryListing::identityOf(platform::toNative(ancestry.path));
+    };
+    const std::optional<platform::FolderIdentity> identity = identityOf(folder);
+    if (!identity)
+        return false;
+    for (const Ancestry* above = folder.parent.get(); above; above = above->parent.get()) {
+        if (identityOf(*above) == identity)
+            return true;
+    }
+    return false;
+}
+
 void FolderReadAhead::read(Folder& folder)
 {
     auto listing = std::make_shared<platform::DirectoryListing>(
         folder.parentListing ? folder.parentListing->openChild(folder.name)
                              : platform::DirectoryListing::open(platform::toNative(folder.path)));
     folder.parentListing.reset();
+    auto ancestry = std::make_shared<const Ancestry>(
+        Ancestry{listing->identity(), folder.path, std::move(folder.parentAncestry)});
+    // A bind mount or a link back to a folder above would be walked forever.
+    folder.loops = listing->isOpen() && leadsToAncestor(*ancestry, folder.isLink);
+    if (folder.loops)
+        *listing = {};
     folder.opened = listing->isOpen();
     platform::DirectoryEntry entry;
     while (!stopping.load(std::memory_order_relaxed) && listing->next(entry)) {
@@ -108,8 +133,11 @@ void FolderReadAhead::read(Folder& folder)
         child->nameText = platform::toQString(entry.name);
         child->path = platform::childPath(folder.path, child->nameText);
         child->excluded = excluded && excluded(child->path);
-        if (!child->excluded)
+        child->isLink = entry.isLink;
+        if (!child->excluded) {
             child->parentListing = listing;
+            child->parentAncestry = ancestry;
+        }
         folder.bytes += sizeof(Folder) + std::size_t(child->path.size()) * 4;
         folder.subfolders.push_back(std::move(child));
     }

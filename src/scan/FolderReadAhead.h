@@ -9,6 +9,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <thread>
 #include <vector>
 
@@ -28,6 +29,13 @@ public:
         bool isDirectory = false;
     };
 
+    // A folder and the folders above it, as far as loops are concerned.
+    struct Ancestry {
+        std::optional<platform::FolderIdentity> identity;
+        QString path;
+        std::shared_ptr<const Ancestry> parent;
+    };
+
     // One folder of the tree. Its path and name are set when its parent is
     // read; the rest when it is read itself.
     struct Folder {
@@ -35,7 +43,9 @@ public:
         QString nameText;
         QString path;
         bool excluded = false; // never read, never entered
+        bool isLink = false;
         bool opened = false;
+        bool loops = false;  // the same folder as one above it: not entered
         bool failed = false; // could not be opened, or its reading broke off
         std::vector<Entry> entries;
         platform::NativeString names; // every entry's name, one after the other
@@ -54,6 +64,7 @@ public:
         std::atomic<int> state{Waiting};
         // The parent's open listing, to open this one from; let go once open.
         std::shared_ptr<platform::DirectoryListing> parentListing;
+        std::shared_ptr<const Ancestry> parentAncestry;
         std::size_t bytes = 0;
     };
     using FolderPtr = std::shared_ptr<Folder>;
@@ -77,6 +88,7 @@ public:
 private:
     void readerLoop();
     void read(Folder& folder);
+    [[nodiscard]] static bool leadsToAncestor(const Ancestry& folder, bool isLink);
     [[nodiscard]] bool roomToRead() const;
 
     Exclusion excluded;

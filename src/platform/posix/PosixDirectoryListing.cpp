@@ -50,6 +50,7 @@ struct DirectoryListing::State {
     std::unique_ptr<DIR, DirCloser> dir;
     int fd = -1; // owned by dir
     dev_t device = 0;
+    ino_t inode = 0;
 
     // Takes over an open folder descriptor; leaves one of another file system
     // closed, without failure, when a device is given.
@@ -67,6 +68,7 @@ struct DirectoryListing::State {
         listing.state->fd = fd.release();
         listing.state->dir.reset(dir);
         listing.state->device = info.st_dev;
+        listing.state->inode = info.st_ino;
     }
 };
 
@@ -99,6 +101,23 @@ DirectoryListing DirectoryListing::openChild(const NativeString& name) const
 bool DirectoryListing::isOpen() const
 {
     return state != nullptr;
+}
+
+std::optional<FolderIdentity> DirectoryListing::identity() const
+{
+    if (!state)
+        return std::nullopt;
+    return FolderIdentity{static_cast<std::uint64_t>(state->device),
+                          static_cast<std::uint64_t>(state->inode)};
+}
+
+std::optional<FolderIdentity> DirectoryListing::identityOf(const NativeString& path)
+{
+    struct stat info {};
+    if (stat(path.c_str(), &info) != 0)
+        return std::nullopt;
+    return FolderIdentity{static_cast<std::uint64_t>(info.st_dev),
+                          static_cast<std::uint64_t>(info.st_ino)};
 }
 
 bool DirectoryListing::failed() const

@@ -1,5 +1,6 @@
 #include "../DirectoryListing.h"
 
+#include "FileHandle.h"
 #include "FindHandle.h"
 
 #include <windows.h>
@@ -26,25 +27,29 @@ bool isSeparator(wchar_t c)
     return c == L'\\' || c == L'/';
 }
 
-// Past MAX_PATH a path only lists in its extended form: \\?\C:\... for a drive
+// Past MAX_PATH a path only works in its extended form: \\?\C:\... for a drive
 // path, \\?\UNC\server\share\... for a share. That form takes no forward
 // slashes and no doubled separators.
-std::wstring searchPattern(const std::wstring& path)
+std::wstring systemPath(const std::wstring& path)
 {
-    std::wstring pattern = path + L"\\*";
     const bool drivePath = path.size() >= 2 && path[1] == L':';
     const bool sharePath =
         path.size() > 2 && isSeparator(path[0]) && isSeparator(path[1]) && path[2] != L'?';
-    if (pattern.size() < MAX_PATH || !(drivePath || sharePath))
-        return pattern;
+    if (path.size() + 2 < MAX_PATH || !(drivePath || sharePath))
+        return path;
     std::wstring extended = sharePath ? L"\\\\?\\UNC\\" : L"\\\\?\\";
-    for (wchar_t c : sharePath ? pattern.substr(2) : pattern) {
+    for (wchar_t c : sharePath ? path.substr(2) : path) {
         if (c == L'/')
             c = L'\\';
         if (c != L'\\' || extended.back() != L'\\')
             extended += c;
     }
     return extended;
+}
+
+std::wstring searchPattern(const std::wstring& path)
+{
+    return systemPath(path) + L"\\*";
 }
 
 } // namespace
@@ -84,6 +89,25 @@ bool DirectoryListing::isOpen() const
     return state != nullptr;
 }
 
+std::optional<FolderIdentity> DirectoryListing::identity() const
+{
+    return std::nullopt;
+}
+
+std::optional<FolderIdentity> DirectoryListing::identityOf(const NativeString& path)
+{
+    // Backup semantics open a folder; no access is asked for, only its information.
+    const win32::FileHandle folder(CreateFileW(
+        systemPath(path).c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+        nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+    BY_HANDLE_FILE_INFORMATION information{};
+    if (!folder.isValid() || !GetFileInformationByHandle(folder.get(), &information))
+        return std::nullopt;
+    return FolderIdentity{information.dwVolumeSerialNumber,
+                          (std::uint64_t{information.nFileIndexHigh} << 32) +
+                              information.nFileIndexLow};
+}
+
 bool DirectoryListing::failed() const
 {
     return failure;
@@ -104,6 +128,7 @@ bool DirectoryListing::next(DirectoryEntry& entry)
             continue;
         entry.name.assign(data.cFileName);
         entry.isDirectory = (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+        entry.isLink = (data.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
         entry.size = (std::uint64_t{data.nFileSizeHigh} << 32) + data.nFileSizeLow;
         entry.lastAccessTime = (std::uint64_t{data.ftLastAccessTime.dwHighDateTime} << 32) +
                                data.ftLastAccessTime.dwLowDateTime;

@@ -1,0 +1,55 @@
+#!/usr/bin/env bash
+# The walk where a naive one goes wrong, against du and find: a bind mount of
+# an ancestor (a loop on the same file system, entered once only), and a tree
+# 1,500 folders deep under a limit of 256 open files. Bytes are du -sb -l less
+# each folder's own size; files are every entry that is not a folder.
+#   walk-limits.sh TALLYROOT-SCAN
+set -euo pipefail
+scan=$1
+# A bind mount needs a mount namespace of our own: as root, the script runs
+# again in one; without it the bind mount case is skipped.
+if [ "$(id -u)" -eq 0 ] && [ -z "${TALLYROOT_IN_NAMESPACE:-}" ] && unshare -m true 2>/dev/null; then
+    TALLYROOT_IN_NAMESPACE=1 exec unshare -m bash "$0" "$@"
+fi
+work=$(mktemp -d /tmp/tallyroot-limits.XXXXXX)
+trap 'umount "$work/loop/inner/again" 2>/dev/null || true; rm -rf "$work"' EXIT
+passed=0 failed=0
+
+# compare LABEL TREE [THREADS]: the engine's totals against du's and find's;
+# prints "ok" or what differs.
+compare() {
+    local summary bytes files du_bytes folder_bytes find_files
+    summary=$("$scan" --defaults --threads "${3:-4}" "$2")
+    bytes=$(sed -E 's/.* ([0-9]+) bytes.*/\1/' <<<"$summary")
+    files=$(sed -E 's/.* ([0-9]+) files.*/\1/' <<<"$summary")
+    du_bytes=$(du -sbl "$2" 2>/dev/null | cut -f1)
+    folder_bytes=$(find "$2" -type d -printf '%s\n' 2>/dev/null | awk '{ s += $1 } END { print s }')
+    find_files=$(find "$2" ! -type d 2>/dev/null | wc -l)
+    if [ "$bytes" -eq $((du_bytes - folder_bytes)) ] && [ "$files" -eq "$find_files" ]; then
+        echo ok
+    else
+        echo "$1: engine $bytes bytes, $files files; du less folders $((du_bytes - folder_bytes)), find $find_files"
+    fi
+}
+count() {
+    if [ "$1" = ok ]; then passed=$((passed + 1)); else echo "$1"; failed=$((failed + 1)); fi
+}
+
+# 1,500 levels: the walk must not need a descriptor per level.
+hundred=$(printf 'n/%.0s' $(seq 100))
+( mkdir "$work/deep" && cd "$work/deep" && for _ in $(seq 15); do mkdir -p "$hundred" && cd "$hundred"; done &&
+  printf 'leaf' > leaf && mkdir side && printf 'side' > side/file )
+for threads in 1 4; do
+    count "$(ulimit -n 256; compare "deep tree, $threads readers, 256 descriptors" "$work/deep" $threads)"
+done
+
+mkdir -p "$work/loop/inner/again"
+printf 'abc' > "$work/loop/file"
+printf 'defgh' > "$work/loop/inner/file"
+if [ -n "${TALLYROOT_IN_NAMESPACE:-}" ] && mount --bind "$work/loop" "$work/loop/inner/again"; then
+    count "$(compare "bind mount of an ancestor" "$work/loop")"
+else
+    echo "bind mount of an ancestor: skipped (needs root and a mount namespace)"
+fi
+echo "$passed passed, $failed failed"
+[ "$failed" -eq 0 ]
