@@ -65,10 +65,12 @@ WindowGeometry::Stored WindowGeometry::read()
 
 void WindowGeometry::write() const
 {
+    SettingsStore::Batch batch;
     SettingsStore::writeDword(posXName, x);
     SettingsStore::writeDword(posYName, y);
     SettingsStore::writeDword(widthName, width);
     SettingsStore::writeDword(heightName, height);
+    (void)batch.finish(); // a window whose place cannot be stored opens at the default
 }
 
 bool WindowGeometry::hasPlaceablePosition() const

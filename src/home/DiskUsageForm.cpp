@@ -195,8 +195,10 @@ void DiskUsageForm::rememberRecentPath(const QString& path)
         }
     }
     recentPaths.prepend(path);
+    SettingsStore::Batch batch;
     for (int index = 0; index < recentPaths.size(); ++index)
         SettingsStore::writeString(recentValueName(index), recentPaths.at(index));
+    (void)batch.finish(); // a list that cannot be stored is simply not remembered
     showRecentPaths();
 }
 

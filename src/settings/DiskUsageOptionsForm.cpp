@@ -104,24 +104,33 @@ void DiskUsageOptionsForm::on_saveButton_clicked()
     save();
 }
 
-// The catalogue and the OneDrive flag take the page's state at once; the
-// exclusions are read back from the store, so the scan uses what is stored
-// (with any older values a shorter list left behind).
-void DiskUsageOptionsForm::save()
+// The catalogue and the OneDrive flag take the page's state once it is
+// written; the exclusions are read back from the store, so the scan uses what
+// is stored (with any older values a shorter list left behind).
+bool DiskUsageOptionsForm::save()
 {
-    QList<FileTypeCategory>& catalogue = FileTypeCatalogue::instance();
-    catalogue.clear();
-    const QList<QTreeWidgetItem*> fileTypes = topLevelItems(ui->treeWidget);
-    for (const QTreeWidgetItem* item : fileTypes)
+    QList<FileTypeCategory> catalogue;
+    for (const QTreeWidgetItem* item : topLevelItems(ui->treeWidget))
         FileTypeCatalogue::appendStored(storedText(item), catalogue);
-    ExclusionSettings::excludeOneDriveFolder() = ui->excludeOneDrivecheckBox->isChecked() ? 1 : 0;
-    writeSettings();
+    const bool excludeOneDrive = ui->excludeOneDrivecheckBox->isChecked();
+    SettingsStore::Batch batch;
+    writeSettings(excludeOneDrive);
+    if (!batch.finish()) {
+        QMessageBox::warning(this, QStringLiteral("Settings not saved"),
+                             QStringLiteral("The settings could not be written to %1. The "
+                                            "changes are still on this page, unsaved.")
+                                 .arg(SettingsStore::location()));
+        return false;
+    }
+    FileTypeCatalogue::instance() = catalogue;
+    ExclusionSettings::excludeOneDriveFolder() = excludeOneDrive ? 1 : 0;
     ExclusionSettings::load();
     exclusions = ExclusionSettings::excludeList();
     ui->saveButton->setEnabled(false);
+    return true;
 }
 
-void DiskUsageOptionsForm::writeSettings()
+void DiskUsageOptionsForm::writeSettings(bool excludeOneDrive)
 {
     const QList<QTreeWidgetItem*> folders = topLevelItems(ui->excludeTreeWidget);
     for (int row = 0; row < folders.size(); ++row)
@@ -132,8 +141,7 @@ void DiskUsageOptionsForm::writeSettings()
     for (int row = 0; row < fileTypes.size(); ++row)
         SettingsStore::writeString(QStringLiteral("FileTypeData%1").arg(row),
                                    storedText(fileTypes.at(row)));
-    SettingsStore::writeDword(QStringLiteral("ExcludeOneDriveFolder"),
-                              ExclusionSettings::excludeOneDriveFolder());
+    SettingsStore::writeDword(QStringLiteral("ExcludeOneDriveFolder"), excludeOneDrive ? 1 : 0);
 }
 
 // The catalogue keeps its flags until "Save"; a click only tells whether the

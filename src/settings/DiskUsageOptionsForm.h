@@ -29,7 +29,10 @@ public:
     // Fills the page from the settings once the catalogue has been loaded.
     void loadSettings();
     [[nodiscard]] bool hasUnsavedChanges() const;
-    void save();
+    // Writes the page's state as the settings, which scans then use. When the
+    // settings cannot be written the user is told, the changes stay unsaved,
+    // and false is returned.
+    bool save();
     // Connected by hand to the editor; not a slot, which the by-name
     // connection would take for one of an object called "newFileTypeValue".
     void on_newFileTypeValue(const QString& text);
@@ -48,7 +51,7 @@ private slots:
 private:
     void showFileTypes(const QList<FileTypeCategory>& catalogue);
     void showExclusions();
-    void writeSettings();
+    void writeSettings(bool excludeOneDrive);
 
     std::unique_ptr<Ui::DiskUsageOptionsForm> ui;
     QList<ExcludeEntry> exclusions;

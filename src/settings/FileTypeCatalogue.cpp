@@ -4,6 +4,8 @@
 
 #include <QLoggingCategory>
 
+#include <algorithm>
+
 Q_LOGGING_CATEGORY(lcCatalogue, "tallyroot.catalogue", QtInfoMsg)
 
 namespace FileTypeCatalogue {
@@ -53,8 +55,9 @@ bool load(QList<FileTypeCategory>& catalogue)
     catalogue.clear();
     qCDebug(lcCatalogue) << "readFileTypeData";
     const quint32 stored = SettingsStore::readDword("FileTypeDataCount").value_or(0);
-    const auto count = static_cast<qint32>(stored);
     qCDebug(lcCatalogue) << "fileTypeDataCount:" << stored;
+    // A count larger than the values there are would only read missing ones.
+    const auto count = static_cast<qint32>(std::min(stored, SettingsStore::storedValueCount()));
     for (qint32 index = 0; index < count; ++index) {
         if (const auto text =
                 SettingsStore::readString(QStringLiteral("FileTypeData%1").arg(index)))

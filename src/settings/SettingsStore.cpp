@@ -49,6 +49,33 @@ bool writeString(const QString& valueName, const QString& text)
     return platform::writeStringValue(valueName.toStdWString(), text.toStdWString());
 }
 
+QString location()
+{
+    return QString::fromStdWString(platform::settingsLocation());
+}
+
+quint32 storedValueCount()
+{
+    return platform::storedValueCount();
+}
+
+Batch::Batch()
+{
+    platform::beginSettingsBatch();
+}
+
+Batch::~Batch()
+{
+    if (!finished)
+        (void)platform::endSettingsBatch();
+}
+
+bool Batch::finish()
+{
+    finished = true;
+    return platform::endSettingsBatch();
+}
+
 QString oneDrivePath()
 {
     return QString::fromStdWString(platform::oneDriveFolderPath());

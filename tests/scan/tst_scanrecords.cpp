@@ -257,6 +257,12 @@ void TestScanRecords::catalogueLoadsWhatTheCountSays()
     QCOMPARE(catalogue[1].extensions, (QStringList{".c", ".cc"}));
     QVERIFY(!catalogue[1].checked);
 
+    // A count far beyond what is stored reads what there is, at once.
+    SettingsStore::writeDword("FileTypeDataCount", 2147483647);
+    QVERIFY(FileTypeCatalogue::load(catalogue));
+    QCOMPARE(catalogue.size(), 3);
+    QCOMPARE(catalogue.last().name, QStringLiteral("Stale"));
+
     SettingsStore::writeString("FileTypeDataCount", "3"); // the wrong type reads as missing
     QVERIFY(!FileTypeCatalogue::load(catalogue));
 }

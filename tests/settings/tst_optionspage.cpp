@@ -29,6 +29,7 @@ private slots:
     void theEditorsChangeACategory();
     void theEditorIsLenient();
     void anUncheckedCategoryIsSavedAndSkippedByAScan();
+    void aSaveThatFailsSaysSoAndStaysUnsaved();
     void tenFoldersAtMostAndNoneTwice();
     void anExcludedFolderIsLeftOutOfAScan();
     void removalsLeaveNothingUnsaved();
@@ -273,6 +274,32 @@ void TestOptionsPage::anUncheckedCategoryIsSavedAndSkippedByAScan()
     scanAndListFolders(path("tree"), &totals);
     QVERIFY(!totals.contains("Audio Files"));
     QCOMPARE(totals.value("Document Files"), QStringLiteral("1.95 KB"));
+}
+
+void TestOptionsPage::aSaveThatFailsSaysSoAndStaysUnsaved()
+{
+    if (QSysInfo::kernelType() == QLatin1String("winnt"))
+        QSKIP("the registry takes what it is given; on Linux the settings file is made unwritable");
+    auto form = page();
+    QTreeWidget* tree = fileTypes(form.get());
+    clickCheckBox(tree, tree->topLevelItem(1));
+    const QString file = SettingsStore::location();
+    QFile::remove(file);
+    QVERIFY(QDir().mkpath(file)); // a folder where the file should be: nothing can be written
+
+    QString title;
+    QString text;
+    answerNextMessage(QMessageBox::Ok, &title, &text);
+    QVERIFY(!form->save());
+    QCOMPARE(title, QStringLiteral("Settings not saved"));
+    QVERIFY(text.contains(file));
+    QVERIFY(form->hasUnsavedChanges());
+    QVERIFY(FileTypeCatalogue::instance().at(1).checked); // scans keep what was saved
+
+    QVERIFY(QDir(file).removeRecursively());
+    QVERIFY(form->save());
+    QVERIFY(!form->hasUnsavedChanges());
+    QVERIFY(!FileTypeCatalogue::instance().at(1).checked);
 }
 
 void TestOptionsPage::tenFoldersAtMostAndNoneTwice()

@@ -5,6 +5,7 @@
 #include <QString>
 
 #include <cerrno>
+#include <cstdlib>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -28,10 +29,10 @@ std::wstring fromUtf8(const std::string& bytes)
     return QString::fromStdString(bytes).toStdWString();
 }
 
-bool sameName(const std::string& stored, const std::wstring& name)
+// Names compare without regard to case, as registry value names do.
+QString nameKey(const std::string& name)
 {
-    return QString::fromStdString(stored).compare(QString::fromStdWString(name),
-                                                  Qt::CaseInsensitive) == 0;
+    return QString::fromStdString(name).toCaseFolded();
 }
 
 std::string escape(const std::string& text)
@@ -180,6 +181,7 @@ SettingsFile::SettingsFile(std::string path)
 bool SettingsFile::load()
 {
     lines.clear();
+    lineOfName.clear();
     FileDescriptor fd(::open(filePath.c_str(), O_RDONLY | O_CLOEXEC));
     if (!fd.isValid()) {
         if (errno != ENOENT)
@@ -199,16 +201,29 @@ bool SettingsFile::load()
         if (!line.empty() && line.back() == '\r')
             line.pop_back();
         lines.push_back(std::move(line));
+        index(lines.size() - 1);
         start = end + 1;
     }
     return true;
 }
 
+// A later line of the same value overrides an earlier one.
+void SettingsFile::index(std::size_t line)
+{
+    if (const auto fields = split(lines[line]))
+        lineOfName.insert(nameKey(fields->name), line);
+}
+
 bool SettingsFile::save() const
 {
-    const auto slash = filePath.rfind('/');
-    const std::string dir =
-        slash == std::string::npos ? std::string(".") : filePath.substr(0, slash);
+    // Through a symbolic link: the file it leads to is the one replaced.
+    std::string target = filePath;
+    if (char* resolved = ::realpath(filePath.c_str(), nullptr)) {
+        target = resolved;
+        std::free(resolved);
+    }
+    const auto slash = target.rfind('/');
+    const std::string dir = slash == std::string::npos ? std::string(".") : target.substr(0, slash);
     if (slash != std::string::npos && slash > 0 && !makeDirectories(dir))
         return false;
 
@@ -216,12 +231,15 @@ bool SettingsFile::save() const
     for (const auto& line : lines)
         content += line + '\n';
 
-    std::string temporary = filePath + ".XXXXXX";
+    std::string temporary = target + ".XXXXXX";
     FileDescriptor fd(::mkostemp(temporary.data(), O_CLOEXEC));
     if (!fd.isValid())
         return false;
-    const bool written = writeAll(fd.get(), content) && ::fsync(fd.get()) == 0 && fd.close();
-    if (!written || ::rename(temporary.c_str(), filePath.c_str()) != 0) {
+    struct stat existing {};
+    const bool keepMode = ::stat(target.c_str(), &existing) == 0;
+    const bool written = (!keepMode || ::fchmod(fd.get(), existing.st_mode & 07777) == 0) &&
+                         writeAll(fd.get(), content) && ::fsync(fd.get()) == 0 && fd.close();
+    if (!written || ::rename(temporary.c_str(), target.c_str()) != 0) {
         ::unlink(temporary.c_str());
         return false;
     }
@@ -229,15 +247,12 @@ bool SettingsFile::save() const
     return true;
 }
 
-// The last line that holds the value decides, as a later line overrides.
 std::optional<std::size_t> SettingsFile::lastLineOf(const std::wstring& name) const
 {
-    for (std::size_t index = lines.size(); index-- > 0;) {
-        const auto fields = split(lines[index]);
-        if (fields && sameName(fields->name, name))
-            return index;
-    }
-    return std::nullopt;
+    const auto found = lineOfName.constFind(QString::fromStdWString(name).toCaseFolded());
+    if (found == lineOfName.constEnd())
+        return std::nullopt;
+    return found.value();
 }
 
 std::optional<SettingsFile::Entry> SettingsFile::find(const std::wstring& name) const
@@ -280,10 +295,12 @@ void SettingsFile::setText(const std::wstring& name, const std::wstring& text)
 
 void SettingsFile::set(const std::wstring& name, const std::string& line)
 {
-    if (const auto index = lastLineOf(name))
-        lines[*index] = line;
-    else
-        lines.push_back(line);
+    if (const auto found = lastLineOf(name)) {
+        lines[*found] = line;
+        return;
+    }
+    lines.push_back(line);
+    index(lines.size() - 1);
 }
 
 } // namespace posix

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <QHash>
+#include <QString>
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -18,8 +21,11 @@ public:
     // A missing file loads as empty; false when it exists but cannot be read.
     [[nodiscard]] bool load();
     // Writes a temporary file beside the real one and renames it over it, so a
-    // crash leaves either the old file or the new one.
+    // crash leaves either the old file or the new one. A symbolic link is
+    // written through, and the file keeps its mode.
     [[nodiscard]] bool save() const;
+    // How many values the file holds.
+    [[nodiscard]] std::size_t valueCount() const { return lineOfName.size(); }
 
     [[nodiscard]] std::optional<std::uint32_t> dword(const std::wstring& name) const;
     [[nodiscard]] std::optional<std::wstring> text(const std::wstring& name) const;
@@ -36,9 +42,12 @@ private:
     [[nodiscard]] std::optional<std::size_t> lastLineOf(const std::wstring& name) const;
     [[nodiscard]] std::optional<Entry> find(const std::wstring& name) const;
     void set(const std::wstring& name, const std::string& line);
+    void index(std::size_t line);
 
     std::string filePath;
     std::vector<std::string> lines;
+    // The last line of each value, by its case-folded name.
+    QHash<QString, std::size_t> lineOfName;
 };
 
 } // namespace posix

@@ -22,6 +22,8 @@ private slots:
     void anUnreadableFileGivesDefaultsAndIsNotReplaced();
     void anUnusableConfigFolderGivesDefaults();
     void aWriteLeavesNoTemporaryFileBehind();
+    void aLinkedFileIsWrittenThroughAndKeepsItsMode();
+    void aBatchWritesTheFileOnce();
     void userFoldersFollowTheXdgConfiguration();
     void oneDriveComesFromTheEnvironmentOrTheHomeFolder();
     void anotherFileSystemIsNotEntered();
@@ -148,6 +150,57 @@ void TestPosixBackend::aWriteLeavesNoTemporaryFileBehind()
     const QStringList entries = QDir(configHome() + "/Tallyroot").entryList(QDir::Files);
     QCOMPARE(entries, QStringList{"Tallyroot.conf"});
     QCOMPARE(SettingsStore::readDword("FileTypeData19"), std::optional<quint32>(19));
+}
+
+void TestPosixBackend::aLinkedFileIsWrittenThroughAndKeepsItsMode()
+{
+    // Settings kept elsewhere (a dotfiles folder) and linked into place.
+    const QString target = configHome() + "/elsewhere.conf";
+    QFile::remove(target);
+    QDir().mkpath(configHome() + "/Tallyroot");
+    {
+        QFile file(target);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("posX=dword:1\n");
+    }
+    QVERIFY(QFile::setPermissions(target, QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup |
+                                              QFile::ReadOther));
+    QVERIFY(QFile::link(target, settingsPath()));
+
+    QVERIFY(SettingsStore::writeDword("posY", 2));
+    QVERIFY(QFileInfo(settingsPath()).isSymLink());
+    QCOMPARE(SettingsStore::readDword("posX"), std::optional<quint32>(1));
+    QCOMPARE(SettingsStore::readDword("posY"), std::optional<quint32>(2));
+    QVERIFY(settingsFileContent().contains("posY=dword:2"));
+    QCOMPARE(QFileInfo(target).permissions() & 0x0777, QFile::Permissions(0x0644));
+    QFile::remove(target);
+}
+
+void TestPosixBackend::aBatchWritesTheFileOnce()
+{
+    SettingsStore::writeDword("posX", 1);
+    const QDateTime before = QFileInfo(settingsPath()).lastModified();
+    {
+        SettingsStore::Batch batch;
+        for (int n = 0; n < 1000; ++n)
+            QVERIFY(SettingsStore::writeString(QStringLiteral("Value%1").arg(n), "x"));
+        // Nothing reaches the file before the batch ends, but reads see it all.
+        QCOMPARE(SettingsStore::readString("Value999"), std::optional<QString>("x"));
+        QCOMPARE(QFileInfo(settingsPath()).lastModified(), before);
+        QVERIFY(!settingsFileContent().contains("Value0="));
+        QVERIFY(batch.finish());
+    }
+    QVERIFY(settingsFileContent().contains("Value999=sz:x"));
+    QVERIFY(SettingsStore::storedValueCount() >= 1001);
+
+    // A batch that cannot be written says so, and keeps nothing as written.
+    QVERIFY(QFile::remove(settingsPath()));
+    QVERIFY(QDir().mkpath(settingsPath())); // a folder where the file should be
+    SettingsStore::Batch failing;
+    SettingsStore::writeDword("posX", 9);
+    QVERIFY(!failing.finish());
+    QCOMPARE(SettingsStore::readDword("posX"), std::nullopt);
+    QVERIFY(QDir(settingsPath()).removeRecursively());
 }
 
 void TestPosixBackend::userFoldersFollowTheXdgConfiguration()
