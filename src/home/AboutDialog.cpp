@@ -1,7 +1,10 @@
 #include "AboutDialog.h"
 
 #include "WebLinks.h"
+#include "results/ShellActions.h"
 #include "ui_AboutDialog.h"
+
+#include <QUrl>
 
 AboutDialog::AboutDialog(QWidget* parent)
     : QDialog(parent)
@@ -18,7 +21,8 @@ AboutDialog::AboutDialog(QWidget* parent)
     ui->webLabel->setTextFormat(Qt::RichText);
     ui->webLabel->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::LinksAccessibleByMouse |
                                           Qt::LinksAccessibleByKeyboard);
-    ui->webLabel->setOpenExternalLinks(true);
+    connect(ui->webLabel, &QLabel::linkActivated, this,
+            [this](const QString& link) { ShellActions::openLink(QUrl(link), this); });
     ui->label->setText(QStringLiteral("Tallyroot"));
 }
 

@@ -10,12 +10,13 @@
 #include "platform/Shell.h"
 #include "platform/UserFolders.h"
 #include "results/DiskUsageScanProgressForm.h"
+#include "results/ShellActions.h"
 #include "settings/DiskUsageOptionsForm.h"
 #include "settings/FileTypeCatalogue.h"
 #include "settings/SettingsStore.h"
 #include "ui_DiskUsageForm.h"
 
-#include <QDesktopServices>
+#include <QDir>
 #include <QFileInfo>
 #include <QMessageBox>
 #include <QScrollArea>
@@ -112,7 +113,11 @@ void DiskUsageForm::addFolderCards()
     specialFolderPaths[Videos] = specialFolder(SpecialFolder::Videos);
     specialFolderPaths[Profile] = specialFolder(SpecialFolder::Profile);
 
+    // Windows has every special folder; a Linux desktop may have made only some.
+    const bool onlyExisting = QSysInfo::kernelType() != QLatin1String("winnt");
     for (int index = 0; index < int(specialFolderPaths.size()); ++index) {
+        if (onlyExisting && !QFileInfo(specialFolderPaths.at(index)).isDir())
+            continue;
         auto* card = new DiskUsageFolderInfoForm(ui->foldersList);
         card->diskIndex = index;
         card->setName(QFileInfo(specialFolderPaths.at(index)).fileName());
@@ -209,6 +214,13 @@ void DiskUsageForm::startScan(const QString& path)
     // no path to scan.
     if (resultsScreen || path.isEmpty())
         return;
+    // A folder that is gone would scan to nothing and take a recent row.
+    if (!QFileInfo::exists(path)) {
+        QMessageBox::warning(
+            this, QStringLiteral("Folder not found"),
+            QStringLiteral("%1 does not exist.").arg(QDir::toNativeSeparators(path)));
+        return;
+    }
     emit showToolbarSignal(false);
     isScanning = true;
 
@@ -312,7 +324,7 @@ void DiskUsageForm::on_selectFolderButton_clicked()
 
 void DiskUsageForm::on_websiteButton_clicked()
 {
-    QDesktopServices::openUrl(WebLinks::website());
+    ShellActions::openLink(WebLinks::website(), this);
 }
 
 void DiskUsageForm::on_aboutButton_clicked()
@@ -354,7 +366,6 @@ void DiskUsageForm::on_RecentPathClicked()
     if (!QFileInfo::exists(path)) {
         recentPaths.removeAt(row - 1);
         showRecentPaths();
-        return;
     }
     startScan(path);
 }

@@ -8,15 +8,15 @@
 class QObject;
 
 // Handing paths to the desktop. Each takes a path with the platform's own
-// separators; none reports failure, a failed call simply shows nothing.
+// separators, and returns false when nothing could take the path.
 namespace platform {
 
 // Opens a folder in a file manager window.
-void exploreFolder(QWidget* owner, const QString& path);
+bool exploreFolder(QWidget* owner, const QString& path);
 // Shows a file manager window with the item selected.
-void showItem(const QString& path, QObject* parent);
+bool showItem(const QString& path, QObject* parent);
 // Opens a file with the program the desktop associates with it.
-void openFile(const QString& path);
+bool openFile(const QString& path);
 // The 16x16 icon the desktop shows for a file; none for a file that is gone.
 [[nodiscard]] QIcon smallFileIcon(const QString& path);
 // The small icon the desktop shows for a folder. Call from the GUI thread.

@@ -403,7 +403,7 @@ void DiskUsageScanProgressForm::on_openFileBiggestButton_clicked()
 {
     const QString path = selectedFilePath();
     if (!path.isEmpty())
-        ShellActions::openFile(path);
+        ShellActions::openFile(path, this);
 }
 
 void DiskUsageScanProgressForm::on_dataFilesViewButton_clicked()

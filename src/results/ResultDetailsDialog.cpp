@@ -103,5 +103,5 @@ void ResultDetailsDialog::on_openFileButton_clicked()
     const QString fullPath = row.siblingAtColumn(Path).data().toString() + '/' +
                              row.siblingAtColumn(Name).data().toString();
     qCDebug(lcDetails).noquote() << "open file path:" << fullPath;
-    ShellActions::openFile(fullPath);
+    ShellActions::openFile(fullPath, this);
 }

@@ -2,8 +2,11 @@
 
 #include "platform/Shell.h"
 
+#include <QDesktopServices>
 #include <QDir>
 #include <QLoggingCategory>
+#include <QMessageBox>
+#include <QUrl>
 
 Q_LOGGING_CATEGORY(lcShell, "tallyroot.shell", QtInfoMsg)
 
@@ -19,24 +22,40 @@ QString withoutTrailingSeparator(QString path)
     return path;
 }
 
+void tellIfNotOpened(bool opened, QWidget* owner, const QString& what)
+{
+    if (opened)
+        return;
+    qCDebug(lcShell).noquote() << "not opened:" << what;
+    QMessageBox::warning(owner, QStringLiteral("Could not open"),
+                         QStringLiteral("No program on this system could open:\n%1").arg(what));
+}
+
 } // namespace
 
 void exploreFolder(QWidget* owner, QString path)
 {
     qCDebug(lcShell).noquote() << "path:" << path;
-    path = QDir::toNativeSeparators(path);
-    platform::exploreFolder(owner, withoutTrailingSeparator(path));
+    path = withoutTrailingSeparator(QDir::toNativeSeparators(path));
+    tellIfNotOpened(platform::exploreFolder(owner, path), owner, path);
 }
 
-void showInExplorer(QString path, QObject* parent)
+void showInExplorer(QString path, QWidget* owner)
 {
-    path = QDir::toNativeSeparators(path);
-    platform::showItem(withoutTrailingSeparator(path), parent);
+    path = withoutTrailingSeparator(QDir::toNativeSeparators(path));
+    tellIfNotOpened(platform::showItem(path, owner), owner, path);
 }
 
-void openFile(const QString& fullPath)
+void openFile(const QString& fullPath, QWidget* owner)
 {
-    platform::openFile(fullPath);
+    tellIfNotOpened(platform::openFile(fullPath), owner, QDir::toNativeSeparators(fullPath));
+}
+
+void openLink(const QUrl& link, QWidget* owner)
+{
+    tellIfNotOpened(QDesktopServices::openUrl(link), owner,
+                    link.isLocalFile() ? QDir::toNativeSeparators(link.toLocalFile())
+                                       : link.toString());
 }
 
 QIcon smallFileIcon(const QString& path)

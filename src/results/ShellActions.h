@@ -8,13 +8,16 @@
 class QObject;
 class QWidget;
 
-// The program's hand-offs to the desktop: folders, files and icons. None of
-// them shows a message; a failed call leaves the user without a window.
+class QUrl;
+
+// The program's hand-offs to the desktop: folders, files, links and icons.
+// When nothing takes a path, the user is told which path could not be opened.
 namespace ShellActions {
 
 void exploreFolder(QWidget* owner, QString path);
-void showInExplorer(QString path, QObject* parent);
-void openFile(const QString& fullPath);
+void showInExplorer(QString path, QWidget* owner);
+void openFile(const QString& fullPath, QWidget* owner);
+void openLink(const QUrl& link, QWidget* owner);
 [[nodiscard]] QIcon smallFileIcon(const QString& path);
 [[nodiscard]] QString specialFolderPath(platform::SpecialFolder which);
 [[nodiscard]] QString windowsFolderPath();

@@ -1,4 +1,5 @@
 #include "IsolatedSettings.h"
+#include "NextModal.h"
 #include "TestSupport.h"
 #include "results/DiskUsageGraphDelegate.h"
 #include "results/DiskUsageScanInfoForm.h"
@@ -33,6 +34,7 @@ private slots:
     void backWithEveryRowSelectedAgainAndAgain();
     void cancelDuringAScanReturnsHome();
     void filesDeletedAfterTheScan();
+    void aFileNothingOpensSaysSo();
     void unreadableFoldersAreCounted();
     void scanningPanel();
     void detailsDialogSorting();
@@ -368,6 +370,27 @@ void TestResultsScreen::filesDeletedAfterTheScan()
     child<QToolButton>(form.get(), "explorerBiggestButton")->click();
     QCOMPARE(opened.urls.size(), 2); // handed over all the same; nothing breaks
     QVERIFY(QFile::rename(dir.filePath("moved.iso"), dir.filePath("big.iso")));
+}
+
+void TestResultsScreen::aFileNothingOpensSaysSo()
+{
+    SKIP_UNLESS_HAND_OFFS_ARE_CAUGHT();
+    auto form = scanned();
+    QVERIFY(form);
+    auto* view = child<QTreeView>(form.get(), "biggestFileTreeView");
+    view->setCurrentIndex(view->model()->index(0, 0));
+    // No handler of our own, and no opener the desktop could start.
+    QDesktopServices::unsetUrlHandler("file");
+    const QByteArray path = qgetenv("PATH");
+    qputenv("PATH", "/nonexistent");
+    QString title;
+    QString text;
+    answerNextMessage(QMessageBox::Ok, &title, &text);
+    child<QToolButton>(form.get(), "openFileBiggestButton")->click();
+    qputenv("PATH", path);
+    QDesktopServices::setUrlHandler("file", &opened, "open");
+    QCOMPARE(title, QStringLiteral("Could not open"));
+    QVERIFY(text.endsWith(QDir::toNativeSeparators(dir.filePath("big.iso"))));
 }
 
 void TestResultsScreen::unreadableFoldersAreCounted()

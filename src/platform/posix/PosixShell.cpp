@@ -15,14 +15,14 @@ namespace {
 const QString fileManagerService = QStringLiteral("org.freedesktop.FileManager1");
 } // namespace
 
-void exploreFolder(QWidget*, const QString& path)
+bool exploreFolder(QWidget*, const QString& path)
 {
-    QDesktopServices::openUrl(QUrl::fromLocalFile(path));
+    return QDesktopServices::openUrl(QUrl::fromLocalFile(path));
 }
 
 // The desktop's file manager selects the item when it offers ShowItems over
 // D-Bus; without one, the folder that holds the item is opened instead.
-void showItem(const QString& path, QObject*)
+bool showItem(const QString& path, QObject*)
 {
     QDBusConnection bus = QDBusConnection::sessionBus();
     if (bus.isConnected() && bus.interface()->isServiceRegistered(fileManagerService)) {
@@ -30,14 +30,14 @@ void showItem(const QString& path, QObject*)
             fileManagerService, "/org/freedesktop/FileManager1", fileManagerService, "ShowItems");
         call << QStringList{QUrl::fromLocalFile(path).toString()} << QString();
         if (bus.send(call))
-            return;
+            return true;
     }
-    QDesktopServices::openUrl(QUrl::fromLocalFile(QFileInfo(path).path()));
+    return QDesktopServices::openUrl(QUrl::fromLocalFile(QFileInfo(path).path()));
 }
 
-void openFile(const QString& path)
+bool openFile(const QString& path)
 {
-    QDesktopServices::openUrl(QUrl::fromLocalFile(path));
+    return QDesktopServices::openUrl(QUrl::fromLocalFile(path));
 }
 
 QIcon smallFileIcon(const QString& path)

@@ -33,7 +33,7 @@ bool shellIconOf(const QString& path, SHFILEINFOW& info)
 
 } // namespace
 
-void exploreFolder(QWidget* owner, const QString& path)
+bool exploreFolder(QWidget* owner, const QString& path)
 {
     const std::wstring file = wide(path);
     SHELLEXECUTEINFOW info{};
@@ -43,22 +43,25 @@ void exploreFolder(QWidget* owner, const QString& path)
     info.lpVerb = L"explore";
     info.lpFile = file.c_str();
     info.nShow = SW_SHOWNORMAL;
-    ShellExecuteExW(&info);
+    return ShellExecuteExW(&info) != FALSE;
 }
 
-void showItem(const QString& path, QObject* parent)
+bool showItem(const QString& path, QObject* parent)
 {
-    // Lives until its parent goes: Explorer is neither waited for nor watched.
+    // Lives until its parent goes: Explorer is not waited for, only started.
     auto* explorer = new QProcess(parent);
     explorer->start(QStringLiteral("explorer.exe"), {QStringLiteral("/select,"), path},
                     QIODevice::ReadWrite);
+    return explorer->waitForStarted();
 }
 
-void openFile(const QString& path)
+bool openFile(const QString& path)
 {
     // The file's own path as the working folder, as the shell has always had it.
     const std::wstring file = wide(path);
-    ShellExecuteW(nullptr, L"open", file.c_str(), nullptr, file.c_str(), SW_SHOWNORMAL);
+    const auto result = reinterpret_cast<INT_PTR>(
+        ShellExecuteW(nullptr, L"open", file.c_str(), nullptr, file.c_str(), SW_SHOWNORMAL));
+    return result > 32; // smaller values are the shell's error codes
 }
 
 QIcon smallFileIcon(const QString& path)
