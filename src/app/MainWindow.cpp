@@ -42,6 +42,12 @@ void MainWindow::restoreGeometry()
 void MainWindow::closeEvent(QCloseEvent* event)
 {
     WindowGeometry::fromRect(geometry()).write();
+    // Options left unsaved are asked about, as on leaving their tab; a save
+    // that failed keeps the window open with them.
+    if (!homeForm->offerToSaveOptions()) {
+        event->ignore();
+        return;
+    }
     // A scan is told to stop and does not hold the window; a release in
     // progress does, until it has finished.
     if (homeForm->isScanning)

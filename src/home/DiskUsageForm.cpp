@@ -336,15 +336,19 @@ void DiskUsageForm::on_aboutButton_clicked()
 // Asked on every change of tab, also between the other two.
 void DiskUsageForm::on_tabWidget_currentChanged(int)
 {
+    offerToSaveOptions();
+}
+
+bool DiskUsageForm::offerToSaveOptions()
+{
     if (!optionsForm || !optionsForm->hasUnsavedChanges())
-        return;
+        return true;
     const auto answer = QMessageBox::warning(
         this, QStringLiteral("Confirm to save changes"),
         QStringLiteral("There are unsaved changes in the Options page. Do you want to save the "
                        "changes now?"),
         QMessageBox::Yes | QMessageBox::No);
-    if (answer == QMessageBox::Yes)
-        optionsForm->save();
+    return answer != QMessageBox::Yes || optionsForm->save();
 }
 
 void DiskUsageForm::on_upgradeButton_clicked()

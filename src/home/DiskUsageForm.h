@@ -38,6 +38,9 @@ public:
 
     // Asks a running scan or release to end; once it has, closeApp() follows.
     void stopScan();
+    // Asks whether to save unsaved options, and saves them on Yes. False only
+    // when they were to be saved and could not be.
+    bool offerToSaveOptions();
     [[nodiscard]] const QStringList& recentFolders() const { return recentPaths; }
     // Longer paths show as their first and last 16 characters around "...".
     [[nodiscard]] static QString shortenedPath(const QString& path);

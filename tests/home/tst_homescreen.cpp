@@ -52,6 +52,7 @@ private slots:
     void closingDuringAReleaseWaitsForIt();
     void toolbarButtons();
     void leavingUnsavedOptionsAsksToSave();
+    void closingWithUnsavedOptionsAsksToSave();
     void clickableLabelReportsPresses();
 
 private:
@@ -519,6 +520,19 @@ void TestHomeScreen::leavingUnsavedOptionsAsksToSave()
     tabs->setCurrentIndex(0);
     QTest::qWait(20);
     QVERIFY(!asked);
+}
+
+void TestHomeScreen::closingWithUnsavedOptionsAsksToSave()
+{
+    MainWindow window;
+    window.show();
+    window.findChild<QTabWidget*>("tabWidget")->setCurrentIndex(2);
+    window.findChild<QCheckBox*>("excludeOneDrivecheckBox")->click();
+    QString title;
+    answerNextMessage(QMessageBox::Yes, &title);
+    QVERIFY(window.close());
+    QCOMPARE(title, QStringLiteral("Confirm to save changes"));
+    QCOMPARE(SettingsStore::readDword("ExcludeOneDriveFolder"), std::optional<quint32>(1));
 }
 
 void TestHomeScreen::clickableLabelReportsPresses()
