@@ -1,5 +1,7 @@
 #include "ClickableLabel.h"
 
+#include <QFontMetrics>
+
 ClickableLabel::ClickableLabel(QWidget* parent, Qt::WindowFlags f)
     : QLabel(parent, f)
 {}
@@ -19,4 +21,22 @@ void ClickableLabel::leaveEvent(QEvent* event)
 void ClickableLabel::mousePressEvent(QMouseEvent*)
 {
     emit clicked();
+}
+
+void ClickableLabel::setElidedText(const QString& text)
+{
+    fullText = text;
+    elide();
+}
+
+void ClickableLabel::resizeEvent(QResizeEvent* event)
+{
+    QLabel::resizeEvent(event);
+    if (!fullText.isEmpty())
+        elide();
+}
+
+void ClickableLabel::elide()
+{
+    setText(fontMetrics().elidedText(fullText, Qt::ElideMiddle, contentsRect().width()));
 }

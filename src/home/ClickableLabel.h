@@ -11,6 +11,10 @@ class ClickableLabel : public QLabel {
 public:
     explicit ClickableLabel(QWidget* parent = nullptr, Qt::WindowFlags f = {});
 
+    // Shows the text, shortened in the middle with "…" when the label is too
+    // narrow for it; the whole text comes back as the label widens.
+    void setElidedText(const QString& text);
+
 signals:
     void clicked();
 
@@ -18,4 +22,10 @@ protected:
     void enterEvent(QEnterEvent* event) override;
     void leaveEvent(QEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    void elide();
+
+    QString fullText;
 };

@@ -137,7 +137,7 @@ void DiskUsageForm::addRecentRows()
         text->setObjectName(name);
         icon->setObjectName(name);
         icon->setMaximumWidth(20);
-        // A narrow window clips the text rather than growing; the tooltip
+        // A narrow window elides the text rather than growing; the tooltip
         // has the whole path.
         text->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
         connect(text, &ClickableLabel::clicked, this, &DiskUsageForm::on_RecentPathClicked);
@@ -173,7 +173,7 @@ void DiskUsageForm::showRecentPaths()
             continue;
         }
         const QString& path = recentPaths.at(row);
-        text->setText(shortenedPath(path));
+        text->setElidedText(shortenedPath(path));
         text->setToolTip(path);
         text->setVisible(true);
         const QIcon shellIcon = platform::smallFileIcon(path);

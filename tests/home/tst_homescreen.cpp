@@ -53,6 +53,7 @@ private slots:
     void toolbarButtons();
     void leavingUnsavedOptionsAsksToSave();
     void closingWithUnsavedOptionsAsksToSave();
+    void aWiderWindowWidensTheMainPane();
     void clickableLabelReportsPresses();
 
 private:
@@ -188,10 +189,14 @@ void TestHomeScreen::longPathsAreShortened()
     DiskUsageForm form;
     form.resize(986, 513);
     form.show();
-    QCOMPARE(recentText(form, 1)->text(), DiskUsageForm::shortenedPath(folder("alpha")));
-    // Even the narrowest window leaves room to read a row.
+    // Even the narrowest window leaves room to read a row; what does not fit is
+    // shortened in the middle, and the tooltip has it all.
     ClickableLabel* row = recentText(form, 1);
     QVERIFY(row->width() >= row->fontMetrics().horizontalAdvance(QString(12, 'x')));
+    QCOMPARE(row->toolTip(), folder("alpha"));
+    QVERIFY(row->text() == DiskUsageForm::shortenedPath(folder("alpha")) ||
+            row->text().contains(QChar(0x2026)));
+    QVERIFY(row->fontMetrics().horizontalAdvance(row->text()) <= row->contentsRect().width());
 }
 
 void TestHomeScreen::aRecentRowScansAndBackReturnsHome()
@@ -520,6 +525,19 @@ void TestHomeScreen::leavingUnsavedOptionsAsksToSave()
     tabs->setCurrentIndex(0);
     QTest::qWait(20);
     QVERIFY(!asked);
+}
+
+void TestHomeScreen::aWiderWindowWidensTheMainPane()
+{
+    MainWindow window;
+    window.resize(986, 513);
+    window.show();
+    auto* tabs = window.findChild<QTabWidget*>("tabWidget");
+    auto* recent = window.findChild<QWidget*>("recentGroupBox");
+    const int tabsBefore = tabs->width();
+    window.resize(1600, 513);
+    QTRY_VERIFY(tabs->width() > tabsBefore + 300);
+    QVERIFY(recent->width() <= 360);
 }
 
 void TestHomeScreen::closingWithUnsavedOptionsAsksToSave()
