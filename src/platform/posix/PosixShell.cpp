@@ -1,5 +1,7 @@
 #include "../Shell.h"
 
+#include "../NativeText.h"
+
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
@@ -12,12 +14,22 @@
 namespace platform {
 
 namespace {
+
 const QString fileManagerService = QStringLiteral("org.freedesktop.FileManager1");
+
+// A file URL of the path's own bytes, so that a name which is not UTF-8 still
+// names its file.
+QUrl localUrl(const QString& path)
+{
+    const QByteArray bytes = QByteArray::fromStdString(toNative(path));
+    return QUrl::fromEncoded("file://" + bytes.toPercentEncoding("/"));
+}
+
 } // namespace
 
 bool exploreFolder(QWidget*, const QString& path)
 {
-    return QDesktopServices::openUrl(QUrl::fromLocalFile(path));
+    return QDesktopServices::openUrl(localUrl(path));
 }
 
 // The desktop's file manager selects the item when it offers ShowItems over
@@ -28,16 +40,16 @@ bool showItem(const QString& path, QObject*)
     if (bus.isConnected() && bus.interface()->isServiceRegistered(fileManagerService)) {
         QDBusMessage call = QDBusMessage::createMethodCall(
             fileManagerService, "/org/freedesktop/FileManager1", fileManagerService, "ShowItems");
-        call << QStringList{QUrl::fromLocalFile(path).toString()} << QString();
+        call << QStringList{localUrl(path).toString(QUrl::FullyEncoded)} << QString();
         if (bus.send(call))
             return true;
     }
-    return QDesktopServices::openUrl(QUrl::fromLocalFile(QFileInfo(path).path()));
+    return QDesktopServices::openUrl(localUrl(QFileInfo(path).path()));
 }
 
 bool openFile(const QString& path)
 {
-    return QDesktopServices::openUrl(QUrl::fromLocalFile(path));
+    return QDesktopServices::openUrl(localUrl(path));
 }
 
 QIcon smallFileIcon(const QString& path)

@@ -3,10 +3,14 @@
 
 #include "DirectoryListing.h"
 #include "IsolatedSettings.h"
+#include "TestSupport.h"
 #include "UserFolders.h"
+#include "platform/NativeText.h"
+#include "platform/Shell.h"
 #include "posix/MountTable.h"
 #include "settings/SettingsStore.h"
 
+#include <QDesktopServices>
 #include <QDir>
 #include <QFile>
 #include <QtTest>
@@ -24,6 +28,7 @@ private slots:
     void aWriteLeavesNoTemporaryFileBehind();
     void aLinkedFileIsWrittenThroughAndKeepsItsMode();
     void aBatchWritesTheFileOnce();
+    void namesThatAreNotUtf8ReachTheDesktopAsTheyAre();
     void userFoldersFollowTheXdgConfiguration();
     void oneDriveComesFromTheEnvironmentOrTheHomeFolder();
     void anotherFileSystemIsNotEntered();
@@ -201,6 +206,25 @@ void TestPosixBackend::aBatchWritesTheFileOnce()
     QVERIFY(!failing.finish());
     QCOMPARE(SettingsStore::readDword("posX"), std::nullopt);
     QVERIFY(QDir(settingsPath()).removeRecursively());
+}
+
+void TestPosixBackend::namesThatAreNotUtf8ReachTheDesktopAsTheyAre()
+{
+    // Bytes that are not UTF-8, and UTF-8 that is cut short, among valid text.
+    for (const std::string& name :
+         {std::string("plain.txt"), std::string("bad\xff.txt"), std::string("\xc3\x9c ok \xe6\x97"),
+          std::string("\xed\xa0\x80")}) {
+        const QString shown = platform::toQString(name);
+        QCOMPARE(platform::toNative(shown), name);
+    }
+    QCOMPARE(platform::toQString("\xc3\x9c"), QString::fromUtf8("\xc3\x9c"));
+
+    OpenedUrls opened;
+    QDesktopServices::setUrlHandler("file", &opened, "open");
+    QVERIFY(platform::openFile(platform::toQString("/tmp/bad\xff name.txt")));
+    QDesktopServices::unsetUrlHandler("file");
+    QCOMPARE(opened.urls.size(), 1);
+    QCOMPARE(opened.urls.first().toEncoded(), QByteArray("file:///tmp/bad%FF%20name.txt"));
 }
 
 void TestPosixBackend::userFoldersFollowTheXdgConfiguration()
