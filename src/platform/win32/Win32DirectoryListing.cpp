@@ -1,7 +1,6 @@
 #include "../DirectoryListing.h"
 
-#include "FileHandle.h"
-#include "FindHandle.h"
+#include "OwnedHandle.h"
 
 #include <windows.h>
 
