@@ -54,6 +54,9 @@ public:
     // The open folder's identity, where opening it told it (Linux); none on
     // Windows, where a listing does not open the folder itself.
     [[nodiscard]] std::optional<FolderIdentity> identity() const;
+    // How many listings this process may hold open at once (Linux: the limit
+    // on open files, raised as far as it goes).
+    [[nodiscard]] static std::size_t openLimit();
     // Asks the system for the identity of the folder at a path; none when it
     // cannot tell.
     [[nodiscard]] static std::optional<FolderIdentity> identityOf(const NativeString& path);

@@ -2,18 +2,25 @@
 
 #include "platform/NativeText.h"
 
+#include <algorithm>
+
 namespace {
 
 // Enough to keep the readers busy well ahead of the walk, small beside the
 // result of a large scan.
-constexpr std::size_t maxFoldersHeld = 4096;
 constexpr std::size_t maxBytesHeld = 32u << 20;
+
+std::size_t foldersToHold()
+{
+    return std::clamp<std::size_t>(platform::DirectoryListing::openLimit() / 4, 16, 4096);
+}
 
 } // namespace
 
 FolderReadAhead::FolderReadAhead(const QString& root, int readerCount, Exclusion excluded)
     : excluded(std::move(excluded))
     , readingAhead(readerCount > 1)
+    , maxFoldersHeld(foldersToHold())
     , rootFolder(std::make_shared<Folder>())
 {
     rootFolder->path = root;

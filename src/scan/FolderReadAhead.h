@@ -93,6 +93,9 @@ private:
 
     Exclusion excluded;
     const bool readingAhead;
+    // A folder read ahead keeps its listing open until its subfolders are
+    // open, so the read-ahead stays well inside the limit on open listings.
+    const std::size_t maxFoldersHeld;
     FolderPtr rootFolder;
     std::atomic<bool> stopping{false};
     std::mutex mutex;

@@ -120,6 +120,15 @@ std::optional<FolderIdentity> DirectoryListing::identityOf(const NativeString& p
                           static_cast<std::uint64_t>(info.st_ino)};
 }
 
+std::size_t DirectoryListing::openLimit()
+{
+    raiseDescriptorLimit();
+    rlimit limit{};
+    if (getrlimit(RLIMIT_NOFILE, &limit) != 0 || limit.rlim_cur == RLIM_INFINITY)
+        return std::size_t(1) << 20;
+    return static_cast<std::size_t>(limit.rlim_cur);
+}
+
 bool DirectoryListing::failed() const
 {
     return failure;

@@ -107,6 +107,12 @@ std::optional<FolderIdentity> DirectoryListing::identityOf(const NativeString& p
                               information.nFileIndexLow};
 }
 
+// Search handles are kernel objects, limited only by memory.
+std::size_t DirectoryListing::openLimit()
+{
+    return std::size_t(1) << 20;
+}
+
 bool DirectoryListing::failed() const
 {
     return failure;
