@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace platform {
 
@@ -49,6 +50,10 @@ public:
     // never followed, and on Linux a folder of another file system is not
     // opened (it is shown, but not entered).
     [[nodiscard]] DirectoryListing openChild(const NativeString& name) const;
+    // The folder reached from this one through each name in turn, every step
+    // taken as openChild takes it, so that no path grows past the system's
+    // limit on its length.
+    [[nodiscard]] DirectoryListing openDescendant(const std::vector<NativeStringView>& names) const;
 
     [[nodiscard]] bool isOpen() const;
     // The open folder's identity, where opening it told it (Linux); none on

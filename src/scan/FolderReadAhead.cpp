@@ -21,6 +21,8 @@ FolderReadAhead::FolderReadAhead(const QString& root, int readerCount, Exclusion
     : excluded(std::move(excluded))
     , readingAhead(readerCount > 1)
     , maxFoldersHeld(foldersToHold())
+    , maxListingsOpen(platform::DirectoryListing::openLimit() / 2)
+    , listingsOpen(std::make_shared<std::atomic<std::size_t>>(0))
     , rootFolder(std::make_shared<Folder>())
 {
     rootFolder->path = root;
@@ -114,14 +116,49 @@ bool FolderReadAhead::leadsToAncestor(const Ancestry& folder, bool isLink)
     return false;
 }
 
+// From the nearest folder above whose listing is still open, or else from the
+// scanned folder's path.
+platform::DirectoryListing FolderReadAhead::reopen(const Folder& folder)
+{
+    std::vector<platform::NativeStringView> names{folder.name};
+    for (const Ancestry* above = folder.parentAncestry.get(); above; above = above->parent.get()) {
+        const std::shared_ptr<platform::DirectoryListing> open = above->listing.lock();
+        if (open || !above->parent) {
+            std::reverse(names.begin(), names.end());
+            return open ? open->openDescendant(names)
+                        : platform::DirectoryListing::open(platform::toNative(above->path))
+                              .openDescendant(names);
+        }
+        names.push_back(above->name);
+    }
+    return platform::DirectoryListing::open(platform::toNative(folder.path));
+}
+
+std::shared_ptr<platform::DirectoryListing> FolderReadAhead::open(Folder& folder) const
+{
+    platform::DirectoryListing listing =
+        folder.parentListing ? folder.parentListing->openChild(folder.name) : reopen(folder);
+    folder.parentListing.reset();
+    listingsOpen->fetch_add(1);
+    return {new platform::DirectoryListing(std::move(listing)),
+            [count = listingsOpen](platform::DirectoryListing* open) {
+                delete open;
+                count->fetch_sub(1);
+            }};
+}
+
 void FolderReadAhead::read(Folder& folder)
 {
-    auto listing = std::make_shared<platform::DirectoryListing>(
-        folder.parentListing ? folder.parentListing->openChild(folder.name)
-                             : platform::DirectoryListing::open(platform::toNative(folder.path)));
-    folder.parentListing.reset();
-    auto ancestry = std::make_shared<const Ancestry>(
-        Ancestry{listing->identity(), folder.path, std::move(folder.parentAncestry)});
+    const std::shared_ptr<platform::DirectoryListing> listing = open(folder);
+    const std::size_t depth = folder.parentAncestry ? folder.parentAncestry->depth + 1 : 0;
+    auto ancestry = std::make_shared<const Ancestry>(Ancestry{listing->identity(), folder.path,
+                                                              folder.name, listing, depth,
+                                                              std::move(folder.parentAncestry)});
+    // Past half the limit only every sixteenth level keeps its listing open
+    // for its subfolders: a folder far below opens from the nearest one kept.
+    const std::size_t openNow = listingsOpen->load();
+    const bool shareListing =
+        openNow <= maxListingsOpen / 2 || (openNow <= maxListingsOpen && depth % 16 == 0);
     // A bind mount or a link back to a folder above would be walked forever.
     folder.loops = listing->isOpen() && leadsToAncestor(*ancestry, folder.isLink);
     if (folder.loops)
@@ -142,7 +179,8 @@ void FolderReadAhead::read(Folder& folder)
         child->excluded = excluded && excluded(child->path);
         child->isLink = entry.isLink;
         if (!child->excluded) {
-            child->parentListing = listing;
+            if (shareListing)
+                child->parentListing = listing;
             child->parentAncestry = ancestry;
         }
         folder.bytes += sizeof(Folder) + std::size_t(child->path.size()) * 4;

@@ -33,6 +33,9 @@ public:
     struct Ancestry {
         std::optional<platform::FolderIdentity> identity;
         QString path;
+        platform::NativeString name; // none for the scanned folder
+        std::weak_ptr<platform::DirectoryListing> listing;
+        std::size_t depth = 0;
         std::shared_ptr<const Ancestry> parent;
     };
 
@@ -63,6 +66,7 @@ public:
         enum State { Waiting, Reading, Read };
         std::atomic<int> state{Waiting};
         // The parent's open listing, to open this one from; let go once open.
+        // None when too many listings were open as the parent was read.
         std::shared_ptr<platform::DirectoryListing> parentListing;
         std::shared_ptr<const Ancestry> parentAncestry;
         std::size_t bytes = 0;
@@ -88,6 +92,8 @@ public:
 private:
     void readerLoop();
     void read(Folder& folder);
+    [[nodiscard]] std::shared_ptr<platform::DirectoryListing> open(Folder& folder) const;
+    [[nodiscard]] static platform::DirectoryListing reopen(const Folder& folder);
     [[nodiscard]] static bool leadsToAncestor(const Ancestry& folder, bool isLink);
     [[nodiscard]] bool roomToRead() const;
 
@@ -96,6 +102,12 @@ private:
     // A folder read ahead keeps its listing open until its subfolders are
     // open, so the read-ahead stays well inside the limit on open listings.
     const std::size_t maxFoldersHeld;
+    // Beyond this many open listings, a folder's subfolders are opened along
+    // their path from a folder above, so that a deep tree with a sibling at
+    // every level needs no more descriptors than a shallow one.
+    const std::size_t maxListingsOpen;
+    // Shared with each listing's deleter.
+    std::shared_ptr<std::atomic<std::size_t>> listingsOpen;
     FolderPtr rootFolder;
     std::atomic<bool> stopping{false};
     std::mutex mutex;

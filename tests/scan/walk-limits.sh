@@ -35,10 +35,14 @@ count() {
     if [ "$1" = ok ]; then passed=$((passed + 1)); else echo "$1"; failed=$((failed + 1)); fi
 }
 
-# 1,500 levels: the walk must not need a descriptor per level.
-hundred=$(printf 'n/%.0s' $(seq 100))
-( mkdir "$work/deep" && cd "$work/deep" && for _ in $(seq 15); do mkdir -p "$hundred" && cd "$hundred"; done &&
-  printf 'leaf' > leaf && mkdir side && printf 'side' > side/file )
+# 1,500 levels, with a second folder at every level that the walk comes back
+# to: the walk must not need a descriptor per level.
+# Built from the top by relative paths (a shell that changes into a folder that
+# deep slows down with every level).
+sides=() level=
+for _ in $(seq 1500); do level+=n/; sides+=("${level}side"); done
+( mkdir "$work/deep" && cd "$work/deep" && printf '%s\0' "${sides[@]}" | xargs -0 mkdir -p &&
+  for side in "${sides[@]}"; do printf 'side' > "$side/file"; done && printf 'leaf' > "${level}leaf" )
 for threads in 1 4; do
     count "$(ulimit -n 256; compare "deep tree, $threads readers, 256 descriptors" "$work/deep" $threads)"
 done

@@ -98,6 +98,27 @@ DirectoryListing DirectoryListing::openChild(const NativeString& name) const
     return listing;
 }
 
+DirectoryListing DirectoryListing::openDescendant(const std::vector<NativeStringView>& names) const
+{
+    if (!state || names.empty())
+        return {};
+    // The folders on the way are only passed through: O_PATH opens them cheaply.
+    const int passFlags = O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
+    posix::FileDescriptor step;
+    int from = state->fd;
+    for (std::size_t index = 0; index + 1 < names.size() && from >= 0; ++index) {
+        step = posix::FileDescriptor(::openat(from, NativeString(names[index]).c_str(), passFlags));
+        from = step.get();
+    }
+    const int flags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
+    DirectoryListing listing;
+    State::adopt(listing,
+                 posix::FileDescriptor(
+                     from >= 0 ? ::openat(from, NativeString(names.back()).c_str(), flags) : -1),
+                 &state->device);
+    return listing;
+}
+
 bool DirectoryListing::isOpen() const
 {
     return state != nullptr;

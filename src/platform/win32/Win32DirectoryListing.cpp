@@ -83,6 +83,16 @@ DirectoryListing DirectoryListing::openChild(const NativeString& name) const
     return state ? open(state->path + L"\\" + name) : DirectoryListing();
 }
 
+DirectoryListing DirectoryListing::openDescendant(const std::vector<NativeStringView>& names) const
+{
+    if (!state)
+        return {};
+    std::wstring path = state->path;
+    for (NativeStringView name : names)
+        path.append(L"\\").append(name);
+    return open(path);
+}
+
 bool DirectoryListing::isOpen() const
 {
     return state != nullptr;
