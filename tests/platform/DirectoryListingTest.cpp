@@ -36,7 +36,9 @@ struct ScratchFolder {
 
 void makeFile(const fs::path& path, std::uintmax_t size)
 {
-    { std::ofstream create(path); }
+    {
+        std::ofstream create(path);
+    }
     fs::resize_file(path, size);
 }
 
@@ -113,6 +115,13 @@ TEST_CASE(childrenOpenRelativeToTheirParent)
 
     CHECK(!a.openChild(fs::path("file").native()).isOpen());
     CHECK(!a.openChild(fs::path("missing").native()).isOpen());
+
+    // Several levels down in one call, the same way.
+    const NativeString nameA = fs::path("a").native();
+    const NativeString nameB = fs::path("b").native();
+    CHECK(listAll(root.openDescendant({nameA, nameB})).count(fs::path("leaf").native()) == 1);
+    CHECK(!root.openDescendant({nameB, nameA}).isOpen());
+    CHECK(!root.openDescendant({nameA, fs::path("file").native()}).isOpen());
 }
 
 TEST_CASE(aMissingFolderIsNotOpen)
@@ -141,8 +150,7 @@ TEST_CASE(fileTimesBecomeCalendarFields)
     for (const Case& c : cases) {
         platform::CalendarTime t;
         CHECK(platform::fileTimeToCalendar(c.ticks, t));
-        CHECK(t.year == c.expected.year && t.month == c.expected.month &&
-              t.day == c.expected.day);
+        CHECK(t.year == c.expected.year && t.month == c.expected.month && t.day == c.expected.day);
         CHECK(t.hour == c.expected.hour && t.minute == c.expected.minute &&
               t.second == c.expected.second && t.millisecond == c.expected.millisecond);
     }

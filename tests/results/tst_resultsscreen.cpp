@@ -1,7 +1,6 @@
 #include "IsolatedSettings.h"
 #include "NextModal.h"
 #include "TestSupport.h"
-#include "results/DiskUsageGraphDelegate.h"
 #include "results/DiskUsageScanInfoForm.h"
 #include "results/DiskUsageScanProgressForm.h"
 #include "results/ResultDetailsDialog.h"
@@ -36,10 +35,7 @@ private slots:
     void filesDeletedAfterTheScan();
     void aFileNothingOpensSaysSo();
     void unreadableFoldersAreCounted();
-    void scanningPanel();
     void detailsDialogSorting();
-    void sizeBars();
-    void namesAreShortened();
 
 private:
     void makeFile(const QString& relative, qint64 size);
@@ -209,12 +205,8 @@ void TestResultsScreen::theBiggestFilesTab()
     const QAbstractItemModel* model = view->model();
     QCOMPARE(model->rowCount(), 16);
     QCOMPARE(model->index(0, 0).data().toString(), QStringLiteral("big.iso"));
-    QCOMPARE(model->index(0, 1).data().toString(), QStringLiteral("4.77 MB"));
     QCOMPARE(model->index(0, 3).data().toString(), QDir::toNativeSeparators(dir.path()));
-    QVERIFY(!model->index(0, 2).data().toString().isEmpty());
     QCOMPARE(model->index(1, 0).data().toString(), QStringLiteral("song.mp3"));
-    QVERIFY(view->isColumnHidden(4));
-    QCOMPARE(view->columnWidth(0), 300);
 
     SKIP_UNLESS_HAND_OFFS_ARE_CAUGHT();
     view->setCurrentIndex(model->index(1, 0));
@@ -232,11 +224,7 @@ void TestResultsScreen::theDataFilesTabAndItsDetails()
     // Largest total first: the disk image, the audio file, then the documents.
     QCOMPARE(model->index(0, 0).data().toString(), QStringLiteral("Disk Image Files"));
     QCOMPARE(model->index(1, 0).data().toString(), QStringLiteral("Audio Files"));
-    QCOMPARE(model->index(1, 1).data().toString(), QStringLiteral("292.97 KB"));
     QCOMPARE(model->index(2, 0).data().toString(), QStringLiteral("Document Files"));
-    QCOMPARE(model->index(2, 1).data().toString(), QStringLiteral("76.18 KB"));
-    for (int column = 2; column <= 5; ++column)
-        QVERIFY(view->isColumnHidden(column));
 
     view->setCurrentIndex(model->index(2, 0));
     int rows = -1;
@@ -285,11 +273,9 @@ void TestResultsScreen::backReleasesAndReturnsHome()
     QSignalSpy start(form.get(), &DiskUsageScanProgressForm::clearRAMStart);
     QSignalSpy finish(form.get(), &DiskUsageScanProgressForm::clearRAMFinish);
     QSignalSpy home(form.get(), &DiskUsageScanProgressForm::backToMain);
-    QString title;
     int maximum = 0;
     connect(form.get(), &DiskUsageScanProgressForm::clearRAMStart, this, [&] {
         auto* panel = form->findChild<DiskUsageScanInfoForm*>();
-        title = child<QLabel>(panel, "label")->text();
         maximum = child<QProgressBar>(panel, "progressBar")->maximum();
         QVERIFY(!child<QPushButton>(panel, "pushButton")->isEnabled());
     });
@@ -297,7 +283,6 @@ void TestResultsScreen::backReleasesAndReturnsHome()
     back->click();
     back->click(); // a second press starts nothing more
     QVERIFY(home.wait());
-    QCOMPARE(title, QStringLiteral("Clearing RAM back to the system in progress."));
     QCOMPARE(maximum, 6);
     QCOMPARE(start.count(), 1);
     QCOMPARE(finish.count(), 1);
@@ -411,31 +396,6 @@ void TestResultsScreen::unreadableFoldersAreCounted()
     QCOMPARE(label->toolTip(), QDir::toNativeSeparators(locked));
 }
 
-void TestResultsScreen::scanningPanel()
-{
-    DiskUsageScanInfoForm panel;
-    panel.show();
-    auto* counter = child<QLabel>(&panel, "itemScanLabel");
-    panel.setItemCount(0);
-    QCOMPARE(counter->text(), QStringLiteral("0 items scanned"));
-    QVERIFY(counter->isVisible());
-    // A burst of counts shows the last one soon after.
-    for (int count = 1; count <= 5000; ++count)
-        panel.setItemCount(count);
-    QTRY_COMPARE(counter->text(), QStringLiteral("5000 items scanned"));
-    panel.setItemCount(-1);
-    QVERIFY(!counter->isVisible());
-
-    QSignalSpy cancelled(&panel, &DiskUsageScanInfoForm::scanCancel);
-    auto* cancel = child<QPushButton>(&panel, "pushButton");
-    cancel->click();
-    cancel->click();
-    QCOMPARE(cancelled.count(), 2);
-    panel.setMaximum(3);
-    panel.step();
-    QCOMPARE(child<QProgressBar>(&panel, "progressBar")->value(), 1);
-}
-
 void TestResultsScreen::detailsDialogSorting()
 {
     QList<DiskUsageGlobal::TMainDataFile> files{{"b.txt", "2.00 KB", "", "/x", 2048, 101},
@@ -452,7 +412,6 @@ void TestResultsScreen::detailsDialogSorting()
         return list;
     };
     QCOMPARE(names(), (QStringList{"c.txt", "b.txt", "a.txt"}));
-    QVERIFY(view->isColumnHidden(4) && view->isColumnHidden(5));
     const auto clickHeader = [view](int section) { emit view->header()->sectionClicked(section); };
     clickHeader(1);
     const QStringList first = names();
@@ -475,25 +434,6 @@ void TestResultsScreen::detailsDialogSorting()
     opened.urls.clear();
     child<QToolButton>(&dialog, "explorerButton")->click();
     QCOMPARE(opened.urls, QList<QUrl>{QUrl::fromLocalFile("/")});
-}
-
-void TestResultsScreen::sizeBars()
-{
-    QCOMPARE(DiskUsageGraphDelegate::barWidth(200, 100.0), 200);
-    QCOMPARE(DiskUsageGraphDelegate::barWidth(200, 33.33), 66);
-    // The share is read as a whole number, rounded by Qt's conversion.
-    QCOMPARE(DiskUsageGraphDelegate::barWidth(200, 0.4), 0);
-    QCOMPARE(DiskUsageGraphDelegate::barWidth(200, 99.6), 200);
-    QCOMPARE(DiskUsageGraphDelegate::barWidth(200, 150.0), 300);
-    QCOMPARE(DiskUsageGraphDelegate::barWidth(200, QVariant()), 0);
-}
-
-void TestResultsScreen::namesAreShortened()
-{
-    QCOMPARE(DiskUsageScanProgressForm::shortenedName(QString(40, 'x')), QString(40, 'x'));
-    const QString name = QString(20, 'a') + "M" + QString(20, 'z');
-    QCOMPARE(DiskUsageScanProgressForm::shortenedName(name),
-             QString(18, 'a') + "..." + QString(18, 'z'));
 }
 
 QTEST_MAIN(TestResultsScreen)
