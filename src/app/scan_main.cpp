@@ -51,8 +51,9 @@ int main(int argc, char* argv[])
     QCommandLineParser parser;
     parser.setApplicationDescription("Scans one folder with Tallyroot's scan engine and prints "
                                      "a summary: folders (the scanned one included), files, "
-                                     "bytes, entries and seconds, and how many folders could "
-                                     "not be read.");
+                                     "bytes, bytes on disk (each hard-linked file once), "
+                                     "entries and seconds, and how many folders could not be "
+                                     "read.");
     parser.addHelpOption();
     parser.addOptions({
         {"defaults", "Built-in file types, no exclusions, OneDrive included; the stored "
@@ -96,9 +97,10 @@ int main(int argc, char* argv[])
     const double seconds = double(timer.nsecsElapsed()) / 1e9;
     const ScanResult result = worker.takeResult();
 
-    std::printf("%s: %u folders, %u files, %llu bytes, %d entries, %.3f seconds", qPrintable(path),
-                result.totalFolders + 1, result.totalFiles,
-                static_cast<unsigned long long>(result.totalSize), result.itemsScanned, seconds);
+    std::printf("%s: %u folders, %u files, %llu bytes, %llu on disk, %d entries, %.3f seconds",
+                qPrintable(path), result.totalFolders + 1, result.totalFiles,
+                static_cast<unsigned long long>(result.totalSize),
+                static_cast<unsigned long long>(result.totalOnDisk), result.itemsScanned, seconds);
     if (!result.unreadable.isEmpty())
         std::printf(", unreadable folders: %lld", static_cast<long long>(result.unreadable.size()));
     std::printf("\n");

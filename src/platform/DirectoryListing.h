@@ -23,6 +23,12 @@ struct DirectoryEntry {
     std::uint64_t size = 0; // bytes; 0 for a folder
     // 100-nanosecond ticks since 1601-01-01 UTC, as Windows keeps file times.
     std::uint64_t lastAccessTime = 0;
+    // Bytes the file takes on disk: blocks allocated, which a sparse or
+    // compressed file has fewer of, and a small file may have none of.
+    std::uint64_t allocated = 0;
+    // A file with more than one name (hard links), by its inode on Linux; 0 for
+    // a file of one name, and where the listing cannot tell (Windows).
+    std::uint64_t linkedFile = 0;
     bool isDirectory = false;
     bool isLink = false; // a junction or directory link, entered as a folder (Windows)
 };
@@ -59,6 +65,9 @@ public:
     // The open folder's identity, where opening it told it (Linux); none on
     // Windows, where a listing does not open the folder itself.
     [[nodiscard]] std::optional<FolderIdentity> identity() const;
+    // The bytes the folder itself takes on disk, where the system told them
+    // (Linux, also for a folder met but not readable); 0 elsewhere.
+    [[nodiscard]] std::uint64_t allocated() const;
     // How many listings this process may hold open at once (Linux: the limit
     // on open files, raised as far as it goes).
     [[nodiscard]] static std::size_t openLimit();
@@ -76,6 +85,7 @@ private:
     struct State;
     std::unique_ptr<State> state;
     bool failure = false;
+    std::uint64_t ownAllocation = 0;
 };
 
 } // namespace platform

@@ -1,5 +1,6 @@
 #include "DiskUsageGraphDelegate.h"
 
+#include "scan/DiskUsageGlobal.h"
 #include "scan/FolderColumn.h"
 
 #include <QPainter>
@@ -32,4 +33,16 @@ void DiskUsageGraphDelegate::paint(QPainter* painter, const QStyleOptionViewItem
         }
     }
     QStyledItemDelegate::paint(painter, option, index);
+}
+
+// The cell holds the number, so that the text is made only for rows in view.
+void DiskUsageGraphDelegate::initStyleOption(QStyleOptionViewItem* option,
+                                             const QModelIndex& index) const
+{
+    QStyledItemDelegate::initStyleOption(option, index);
+    const QVariant onDisk = index.data(Qt::DisplayRole);
+    if (index.column() == FolderColumn::OnDisk && onDisk.isValid()) {
+        option->text = DiskUsageGlobal::sizeText(onDisk.toDouble());
+        option->displayAlignment = Qt::AlignRight | Qt::AlignVCenter;
+    }
 }

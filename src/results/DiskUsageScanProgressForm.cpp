@@ -19,7 +19,7 @@
 namespace {
 
 using namespace FolderColumn;
-enum BiggestColumn { FileName, FileSize, LastAccess, Folder, RawSize };
+enum BiggestColumn { FileName, FileSize, LastAccess, Folder, RawSize, FileOnDisk };
 enum DataFilesColumn { Category, Total, CategoryMebibytes = 4, CategoryIndex = 5 };
 constexpr int legendRows = 11;
 // Icons and texts stand in separate columns; one height keeps their rows level.
@@ -43,6 +43,14 @@ QLabel* iconLabel(QWidget* parent)
     QLabel* label = legendLabel(parent);
     label->setMaximumWidth(20);
     return label;
+}
+
+// What the files take on disk stands beside their size.
+void showBesideSize(QTreeView* view, int onDiskColumn, int sizeColumn)
+{
+    QHeaderView* header = view->header();
+    header->moveSection(header->visualIndex(onDiskColumn), header->visualIndex(sizeColumn) + 1);
+    view->setColumnWidth(onDiskColumn, 100);
 }
 
 QModelIndex firstSelected(const QTreeView* view)
@@ -88,9 +96,9 @@ DiskUsageScanProgressForm::~DiskUsageScanProgressForm()
 void DiskUsageScanProgressForm::setUpViews()
 {
     generalModel.setHorizontalHeaderLabels({"Name", "Size", "File Count", "Folder Count", "Size",
-                                            "Path", "Percentage", "MaxData", "Index"});
+                                            "Path", "Percentage", "MaxData", "Index", "On Disk"});
     biggestFilesModel.setHorizontalHeaderLabels(
-        {"Name", "Size", "Last Access Time", "Path", "Raw Size"});
+        {"Name", "Size", "Last Access Time", "Path", "Raw Size", "On Disk"});
     dataFilesModel.setHorizontalHeaderLabels(
         {"Name", "Total Size (All Files)", "Last Access Time", "Path", "Raw Size", "Index"});
     for (QTreeView* view : {ui->treeView, ui->biggestFileTreeView, ui->dataFilesTreeView})
@@ -280,6 +288,7 @@ void DiskUsageScanProgressForm::showFolderTree()
     view->setColumnWidth(SizeText, 100);
     for (int column = Size; column <= Index; ++column)
         view->hideColumn(column);
+    showBesideSize(view, OnDisk, SizeText);
 }
 
 void DiskUsageScanProgressForm::showBiggestFiles()
@@ -293,13 +302,15 @@ void DiskUsageScanProgressForm::showBiggestFiles()
         biggestFilesModel.appendRow(
             {name, new QStandardItem(DiskUsageGlobal::sizeText(double(file.size))),
              new QStandardItem(DiskUsageGlobal::lastAccessText(file.lastAccessTime)),
-             new QStandardItem(QDir::toNativeSeparators(info.path())), mebibytes});
+             new QStandardItem(QDir::toNativeSeparators(info.path())), mebibytes,
+             new QStandardItem(DiskUsageGlobal::sizeText(double(file.onDisk)))});
     }
     QTreeView* view = ui->biggestFileTreeView;
     view->setModel(&biggestFilesModel);
     view->setColumnWidth(FileName, 300);
     view->setColumnWidth(LastAccess, 200);
     view->hideColumn(RawSize);
+    showBesideSize(view, FileOnDisk, FileSize);
 }
 
 void DiskUsageScanProgressForm::showDataFiles()

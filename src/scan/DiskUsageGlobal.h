@@ -17,6 +17,7 @@ struct TFileInfo {
     QString filePath;
     quint64 size = 0;
     quint64 lastAccessTime = 0; // FILETIME ticks
+    quint64 onDisk = 0;
 };
 
 // One file of an enabled file-type category.

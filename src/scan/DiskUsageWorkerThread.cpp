@@ -56,6 +56,7 @@ void DiskUsageWorkerThread::run()
     ReportPreparation report(result.categories, request.categoryIcons, cancel);
     report.addCategoryRows();
     sizeFloor = 0;
+    linkedFilesSeen.clear();
     for (FileTypeCategory& category : result.categories)
         category.totalSize = 0;
 
@@ -87,6 +88,7 @@ void DiskUsageWorkerThread::buildRootRow(const QString& name, Cells& cells) cons
              new FolderValueCell(QDir::toNativeSeparators(request.folder)),
              new FolderValueCell(100.0),
              new FolderValueCell,
+             new FolderValueCell,
              new FolderValueCell};
     if (!request.folderIcon.isNull())
         cells[Name]->setIcon(iconFor(request.folder));
@@ -117,6 +119,7 @@ void DiskUsageWorkerThread::walk(FolderReadAhead& readAhead, Cells& rootCells)
         if (stack.empty()) {
             rootCells = done.cells;
             result.totalSize = done.totals.size;
+            result.totalOnDisk = done.totals.onDisk;
             result.totalFiles = done.totals.files;
             result.totalFolders = done.totals.folders;
             return;
@@ -125,6 +128,7 @@ void DiskUsageWorkerThread::walk(FolderReadAhead& readAhead, Cells& rootCells)
         parent.finishedSubfolders.append(
             {std::move(done.folder->name), qint64(done.totals.size), TMaxDataItem::Folder});
         parent.totals.size += done.totals.size;
+        parent.totals.onDisk += done.totals.onDisk;
         parent.totals.files += done.totals.files;
         parent.totals.folders += done.totals.folders;
     }
@@ -142,6 +146,7 @@ DiskUsageWorkerThread::Frame DiskUsageWorkerThread::enter(FolderReadAhead& readA
     if (folder->failed)
         result.unreadable.append(folder->path);
     Frame frame;
+    frame.totals.onDisk = folder->allocated;
     frame.folder = std::move(folder);
     frame.depth = depth;
     frame.summary.reserve(DiskUsageGlobal::childSummaryLimit + 1);
@@ -181,6 +186,8 @@ void DiskUsageWorkerThread::addFile(Frame& frame, const FolderReadAhead::Entry& 
     const platform::NativeStringView name = frame.folder->nameOf(entry);
     ++frame.totals.files;
     frame.totals.size += entry.size;
+    if (entry.linkedFile == 0 || linkedFilesSeen.insert(entry.linkedFile).second)
+        frame.totals.onDisk += entry.allocated;
     const auto size = static_cast<qint64>(entry.size);
     DiskUsageGlobal::offerRanked(frame.summary, size, DiskUsageGlobal::childSummaryLimit, [&] {
         return TMaxDataItem{platform::NativeString(name), size, TMaxDataItem::File};
@@ -192,7 +199,7 @@ void DiskUsageWorkerThread::addFile(Frame& frame, const FolderReadAhead::Entry& 
             biggest, entry.size, DiskUsageGlobal::biggestFilesLimit, [&] {
                 const QString path = platform::childPath(
                     frame.folder->path, platform::toQString(platform::NativeString(name)));
-                return TFileInfo{{}, {}, path, entry.size, entry.lastAccessTime};
+                return TFileInfo{{}, {}, path, entry.size, entry.lastAccessTime, entry.allocated};
             });
         // The floor rises only when a full list turned a file away, so it can
         // lag behind the 20th entry; the list itself stays right.
@@ -276,6 +283,7 @@ void DiskUsageWorkerThread::finish(Frame& frame)
         static_cast<FolderValueCell*>(frame.cells[column])->setValue(std::move(value));
     };
     set(Size, QVariant::fromValue<qulonglong>(frame.totals.size));
+    set(OnDisk, QVariant::fromValue<qulonglong>(frame.totals.onDisk));
     set(SizeText, DiskUsageGlobal::sizeText(double(frame.totals.size)));
     set(Files, int(frame.totals.files));
     set(Folders, int(frame.totals.folders));

@@ -11,6 +11,7 @@
 #include <array>
 #include <atomic>
 #include <optional>
+#include <unordered_set>
 #include <vector>
 
 class QStandardItem;
@@ -51,6 +52,7 @@ private:
     struct Frame;
     struct Totals {
         quint64 size = 0;
+        quint64 onDisk = 0;
         quint32 files = 0;
         quint32 folders = 0;
     };
@@ -82,5 +84,7 @@ private:
     int folderIndex = 0;
     int dataFileIndex = 100;
     quint64 sizeFloor = 0;
+    // Files of several names met so far: the first place counts what they take.
+    std::unordered_set<std::uint64_t> linkedFilesSeen;
     std::optional<CategoryMatcher> matcher;
 };

@@ -1,6 +1,6 @@
 #pragma once
 
-// The nine cells of a folder row, in the order the folder model holds them.
+// The cells of a folder row, in the order the folder model holds them.
 namespace FolderColumn {
 enum Column {
     Name,
@@ -12,6 +12,7 @@ enum Column {
     Percentage,
     MaxData,
     Index,
-    Count // the number of columns
+    OnDisk, // bytes on disk, hard-linked files counted once
+    Count   // the number of columns
 };
 } // namespace FolderColumn

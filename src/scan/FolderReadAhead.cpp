@@ -164,11 +164,13 @@ void FolderReadAhead::read(Folder& folder)
     if (folder.loops)
         *listing = {};
     folder.opened = listing->isOpen();
+    folder.allocated = listing->allocated();
     platform::DirectoryEntry entry;
     while (!stopping.load(std::memory_order_relaxed) && listing->next(entry)) {
-        folder.entries.push_back(
-            {entry.size, entry.lastAccessTime, static_cast<std::uint32_t>(folder.names.size()),
-             static_cast<std::uint32_t>(entry.name.size()), entry.isDirectory});
+        folder.entries.push_back({entry.size, entry.lastAccessTime, entry.allocated,
+                                  entry.linkedFile, static_cast<std::uint32_t>(folder.names.size()),
+                                  static_cast<std::uint32_t>(entry.name.size()),
+                                  entry.isDirectory});
         folder.names += entry.name;
         if (!entry.isDirectory)
             continue;

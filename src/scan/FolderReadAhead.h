@@ -24,6 +24,8 @@ public:
     struct Entry {
         std::uint64_t size = 0;
         std::uint64_t lastAccessTime = 0;
+        std::uint64_t allocated = 0;
+        std::uint64_t linkedFile = 0; // see platform::DirectoryEntry
         std::uint32_t nameOffset = 0;
         std::uint32_t nameLength = 0;
         bool isDirectory = false;
@@ -48,8 +50,9 @@ public:
         bool excluded = false; // never read, never entered
         bool isLink = false;
         bool opened = false;
-        bool loops = false;  // the same folder as one above it: not entered
-        bool failed = false; // could not be opened, or its reading broke off
+        bool loops = false;          // the same folder as one above it: not entered
+        bool failed = false;         // could not be opened, or its reading broke off
+        std::uint64_t allocated = 0; // the folder's own bytes on disk
         std::vector<Entry> entries;
         platform::NativeString names; // every entry's name, one after the other
         // One per folder entry, in listing order. The walk moves each out as

@@ -54,6 +54,7 @@ QJsonObject folderObject(const ScanResult& result, const FolderRow& folder)
             {"files", data(Files).toInt()},
             {"folders", data(Folders).toInt()},
             {"size", data(Size).toLongLong()},
+            {"onDisk", data(OnDisk).toLongLong()},
             {"path", data(Path).toString()},
             {"percentage", data(Percentage).toDouble()},
             {"maxData", data(MaxData).toString()},
@@ -110,6 +111,7 @@ QByteArray ScanJsonWriter::biggestFiles() const
     for (const auto& file : result.biggestFiles) {
         files.append(QJsonObject{{"filePath", file.filePath},
                                  {"size", qint64(file.size)},
+                                 {"onDisk", qint64(file.onDisk)},
                                  {"lastAccessTime", qint64(file.lastAccessTime)}});
     }
     return compact(files);

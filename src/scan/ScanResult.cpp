@@ -16,18 +16,12 @@ ScanResult::ScanResult(ScanResult&& other) noexcept
     *this = std::move(other);
 }
 
+// The rows change hands by swapping, so that those this result held are
+// deleted with the other.
 ScanResult& ScanResult::operator=(ScanResult&& other) noexcept
 {
+    ScanFigures::operator=(std::move(other));
     std::swap(rootRow, other.rootRow);
     std::swap(categoryRows, other.categoryRows);
-    std::swap(categories, other.categories);
-    std::swap(biggestFiles, other.biggestFiles);
-    std::swap(dataFiles, other.dataFiles);
-    std::swap(totalSize, other.totalSize);
-    std::swap(totalFiles, other.totalFiles);
-    std::swap(totalFolders, other.totalFolders);
-    std::swap(itemsScanned, other.itemsScanned);
-    std::swap(totalSubFolders, other.totalSubFolders);
-    std::swap(unreadable, other.unreadable);
     return *this;
 }

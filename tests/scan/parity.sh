@@ -1,7 +1,9 @@
 #!/usr/bin/env bash
 # The engine's totals against an independent walk: bytes as du -sb -l counts
-# them (less each folder's own size, which the engine leaves out) and every
-# entry that is not a folder as find lists them, on a tree of awkward cases.
+# them (less each folder's own size, which the engine leaves out), bytes on
+# disk as du -sB1 counts them (blocks allocated, each hard-linked file once,
+# folders' own blocks too) and every entry that is not a folder as find lists
+# them, on a tree of awkward cases.
 #   parity.sh TALLYROOT-SCAN
 set -euo pipefail
 scan=$1
@@ -12,7 +14,9 @@ t=$work/tree
 mkdir -p "$t"/{empty,links,names,sparse,locked/inside}
 
 printf '0123456789' > "$t/links/original"
-ln "$t/links/original" "$t/links/hardlink"            # every link counts
+ln "$t/links/original" "$t/links/hardlink"            # every link counts its size, not its blocks
+head -c 50000 /dev/zero > "$t/names/blocks"
+ln "$t/names/blocks" "$t/links/blocks-again"          # met second: no blocks counted
 ln -s original "$t/links/to-file"
 ln -s ../names "$t/links/to-folder"                    # never entered
 ln -s loop "$t/links/loop"
@@ -43,15 +47,18 @@ fi
 summary=$(run "$scan" --defaults "$t" 2>/dev/null)
 engine_files=$(sed -E 's/.* ([0-9]+) files.*/\1/' <<<"$summary")
 engine_bytes=$(sed -E 's/.* ([0-9]+) bytes.*/\1/' <<<"$summary")
+engine_on_disk=$(sed -E 's/.* ([0-9]+) on disk.*/\1/' <<<"$summary")
 du_bytes=$(run du -sbl -x "$t" 2>/dev/null | cut -f1 || true)
+du_on_disk=$(run du -sB1 -x "$t" 2>/dev/null | cut -f1 || true)
 folder_bytes=$(run find "$t" -xdev -type d -printf '%s\n' 2>/dev/null | awk '{ s += $1 } END { print s }' || true)
 find_files=$(run find "$t" -xdev ! -type d 2>/dev/null | wc -l || true)
 
 echo "engine: $summary"
-echo "du -sb -l less folder sizes: $((du_bytes - folder_bytes)) bytes; find: $find_files files"
+echo "du -sb -l less folder sizes: $((du_bytes - folder_bytes)) bytes; du -sB1: $du_on_disk on disk; find: $find_files files"
 passed=0 failed=0
 check() { if [ "$2" -eq "$3" ]; then passed=$((passed + 1)); else echo "$1 differ"; failed=$((failed + 1)); fi; }
 check bytes "$engine_bytes" $((du_bytes - folder_bytes))
+check "bytes on disk" "$engine_on_disk" "$du_on_disk"
 check "file counts" "$engine_files" "$find_files"
 
 # The same result, byte for byte, whether the walk reads alone or readers read ahead.

@@ -40,6 +40,12 @@ void raiseDescriptorLimit()
     });
 }
 
+// st_blocks counts 512-byte units, whatever the file system's block size.
+std::uint64_t allocatedBytes(const struct stat& info)
+{
+    return static_cast<std::uint64_t>(info.st_blocks) * 512u;
+}
+
 struct DirCloser {
     void operator()(DIR* dir) const { closedir(dir); }
 };
@@ -60,6 +66,7 @@ struct DirectoryListing::State {
         listing.failure = !fd.isValid() || fstat(fd.get(), &info) != 0;
         if (listing.failure || (device && info.st_dev != *device))
             return;
+        listing.ownAllocation = allocatedBytes(info);
         DIR* dir = fdopendir(fd.get());
         listing.failure = !dir;
         if (listing.failure)
@@ -94,6 +101,11 @@ DirectoryListing DirectoryListing::openChild(const NativeString& name) const
         const int flags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
         State::adopt(listing, posix::FileDescriptor(::openat(state->fd, name.c_str(), flags)),
                      &state->device);
+        // A folder that cannot be read still takes its blocks.
+        struct stat info {};
+        if (listing.failure && fstatat(state->fd, name.c_str(), &info, AT_SYMLINK_NOFOLLOW) == 0 &&
+            S_ISDIR(info.st_mode))
+            listing.ownAllocation = allocatedBytes(info);
     }
     return listing;
 }
@@ -141,6 +153,11 @@ std::optional<FolderIdentity> DirectoryListing::identityOf(const NativeString& p
                           static_cast<std::uint64_t>(info.st_ino)};
 }
 
+std::uint64_t DirectoryListing::allocated() const
+{
+    return ownAllocation;
+}
+
 std::size_t DirectoryListing::openLimit()
 {
     raiseDescriptorLimit();
@@ -169,7 +186,10 @@ bool DirectoryListing::next(DirectoryEntry& entry)
         if (std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0)
             continue;
         entry.name.assign(name);
-        // A folder's own size and time count nowhere: no need to ask for them.
+        entry.allocated = 0;
+        entry.linkedFile = 0;
+        // A folder's own size and time count nowhere, and what it takes on
+        // disk comes with opening it: no need to ask for them here.
         if (found->d_type == DT_DIR) {
             entry.isDirectory = true;
             entry.size = 0;
@@ -183,6 +203,10 @@ bool DirectoryListing::next(DirectoryEntry& entry)
         entry.isDirectory = S_ISDIR(info.st_mode);
         entry.size = entry.isDirectory ? 0 : static_cast<std::uint64_t>(info.st_size);
         entry.lastAccessTime = entry.isDirectory ? 0 : fileTimeOf(info.st_atim);
+        if (!entry.isDirectory) {
+            entry.allocated = allocatedBytes(info);
+            entry.linkedFile = info.st_nlink > 1 ? static_cast<std::uint64_t>(info.st_ino) : 0;
+        }
         return true;
     }
     failure = failure || errno != 0;

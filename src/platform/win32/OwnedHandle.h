@@ -36,8 +36,6 @@ private:
     HANDLE handle = INVALID_HANDLE_VALUE;
 };
 
-// A directory search, closed with FindClose.
-using FindHandle = OwnedHandle<FindClose>;
 // A file or folder opened with CreateFileW, closed with CloseHandle.
 using FileHandle = OwnedHandle<CloseHandle>;
 

@@ -4,21 +4,44 @@
 
 #include <windows.h>
 
+#include <memory>
+
 namespace platform {
 
+// The folder is opened as a handle and read in batches of entries that carry
+// each file's allocation as well as its size.
 struct DirectoryListing::State {
+    static constexpr DWORD bufferBytes = 64 * 1024;
     std::wstring path;
-    win32::FindHandle find;
-    WIN32_FIND_DATAW data{};
-    bool pending = false; // data holds FindFirstFileW's entry, not yet returned
+    win32::FileHandle folder;
+    // 8-byte aligned, as the records in it are.
+    std::unique_ptr<std::uint64_t[]> buffer{new std::uint64_t[bufferBytes / 8]};
+    const FILE_ID_BOTH_DIR_INFO* record = nullptr; // the next to return; none: read a batch
+
+    // False at the end of the listing, or when reading failed.
+    bool readBatch()
+    {
+        if (!GetFileInformationByHandleEx(folder.get(), FileIdBothDirectoryInfo, buffer.get(),
+                                          bufferBytes))
+            return false;
+        record = reinterpret_cast<const FILE_ID_BOTH_DIR_INFO*>(buffer.get());
+        return true;
+    }
+    // The record after the current one, or none when the batch is done.
+    void advance()
+    {
+        record = record->NextEntryOffset == 0
+                     ? nullptr
+                     : reinterpret_cast<const FILE_ID_BOTH_DIR_INFO*>(
+                           reinterpret_cast<const char*>(record) + record->NextEntryOffset);
+    }
 };
 
 namespace {
 
-bool isDotOrDotDot(const wchar_t* name)
+bool isDotOrDotDot(const std::wstring& name)
 {
-    return (name[0] == L'.' && name[1] == L'\0') ||
-           (name[0] == L'.' && name[1] == L'.' && name[2] == L'\0');
+    return name == L"." || name == L"..";
 }
 
 bool isSeparator(wchar_t c)
@@ -46,11 +69,6 @@ std::wstring systemPath(const std::wstring& path)
     return extended;
 }
 
-std::wstring searchPattern(const std::wstring& path)
-{
-    return systemPath(path) + L"\\*";
-}
-
 } // namespace
 
 DirectoryListing::DirectoryListing() = default;
@@ -62,19 +80,19 @@ DirectoryListing DirectoryListing::open(const NativeString& path)
 {
     auto state = std::make_unique<State>();
     state->path = path;
-    // The basic information class leaves out the short 8.3 name, and the large
-    // fetch asks for many entries per call: the same entries, fewer round trips.
-    state->find = win32::FindHandle(FindFirstFileExW(searchPattern(path).c_str(), FindExInfoBasic,
-                                                     &state->data, FindExSearchNameMatch, nullptr,
-                                                     FIND_FIRST_EX_LARGE_FETCH));
+    // Backup semantics open a folder as a handle.
+    state->folder =
+        win32::FileHandle(CreateFileW(systemPath(path).c_str(), FILE_LIST_DIRECTORY,
+                                      FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                      nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
     DirectoryListing listing;
-    if (state->find.isValid()) {
-        state->pending = true;
+    // The first batch tells a folder from a file, which opens all the same.
+    if (state->folder.isValid() && state->readBatch())
         listing.state = std::move(state);
-    } else {
-        // A folder with no entry at all (a drive's empty root) is not a failure.
-        listing.failure = GetLastError() != ERROR_FILE_NOT_FOUND;
-    }
+    else if (state->folder.isValid() && GetLastError() == ERROR_NO_MORE_FILES)
+        listing.state = std::move(state); // nothing in it at all (a drive's empty root)
+    else
+        listing.failure = true;
     return listing;
 }
 
@@ -123,6 +141,11 @@ std::size_t DirectoryListing::openLimit()
     return std::size_t(1) << 20;
 }
 
+std::uint64_t DirectoryListing::allocated() const
+{
+    return ownAllocation;
+}
+
 bool DirectoryListing::failed() const
 {
     return failure;
@@ -132,21 +155,23 @@ bool DirectoryListing::next(DirectoryEntry& entry)
 {
     if (!state)
         return false;
-    for (;;) {
-        if (!state->pending && !FindNextFileW(state->find.get(), &state->data)) {
+    for (;; state->advance()) {
+        if (!state->record && !state->readBatch()) {
             failure = failure || GetLastError() != ERROR_NO_MORE_FILES;
             return false;
         }
-        state->pending = false;
-        const WIN32_FIND_DATAW& data = state->data;
-        if (isDotOrDotDot(data.cFileName))
+        const FILE_ID_BOTH_DIR_INFO& data = *state->record;
+        entry.name.assign(data.FileName, data.FileNameLength / sizeof(wchar_t));
+        if (isDotOrDotDot(entry.name))
             continue;
-        entry.name.assign(data.cFileName);
-        entry.isDirectory = (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-        entry.isLink = (data.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
-        entry.size = (std::uint64_t{data.nFileSizeHigh} << 32) + data.nFileSizeLow;
-        entry.lastAccessTime = (std::uint64_t{data.ftLastAccessTime.dwHighDateTime} << 32) +
-                               data.ftLastAccessTime.dwLowDateTime;
+        entry.isDirectory = (data.FileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+        entry.isLink = (data.FileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+        entry.size = entry.isDirectory ? 0 : std::uint64_t(data.EndOfFile.QuadPart);
+        entry.allocated = entry.isDirectory ? 0 : std::uint64_t(data.AllocationSize.QuadPart);
+        // The listing has no link count to tell a hard-linked file by.
+        entry.linkedFile = 0;
+        entry.lastAccessTime = std::uint64_t(data.LastAccessTime.QuadPart);
+        state->advance();
         return true;
     }
 }
