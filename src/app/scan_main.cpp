@@ -3,6 +3,7 @@
 
 #include "scan/DiskUsageWorkerThread.h"
 #include "scan/ScanJsonWriter.h"
+#include "scan/VolumeReconciliation.h"
 #include "settings/ExclusionSettings.h"
 #include "settings/FileTypeCatalogue.h"
 
@@ -104,6 +105,8 @@ int main(int argc, char* argv[])
     if (!result.unreadable.isEmpty())
         std::printf(", unreadable folders: %lld", static_cast<long long>(result.unreadable.size()));
     std::printf("\n");
+    if (const auto volume = VolumeReconciliation::of(path, result))
+        std::printf("%s\n", qPrintable(volume->text()));
 
     int status = 0;
     if (json && !(ScanJsonWriter(path, result).write(*json) && json->flush())) {

@@ -47,11 +47,16 @@ void DiskUsageDetailInfoDialog::fill(const DriveInfo& drive)
     };
     for (const auto& [field, value] : figures)
         addRow(general, QString::fromLatin1(field), new QStandardItem(value));
+    if (!drive.reservedSpace.isEmpty())
+        addRow(general, QStringLiteral("Reserved for the System"),
+               new QStandardItem(drive.reservedSpace));
 
     QStandardItem* features = group(QStringLiteral("File System Features"));
     const QIcon yes(QStringLiteral(":/resources/images/IconYes24.png"));
     const QIcon no(QStringLiteral(":/resources/images/IconNo24.png"));
     for (std::size_t i = 0; i < DriveInfo::featureTable.size(); ++i) {
+        if (!drive.featureKnown[i])
+            continue; // a Windows feature this platform cannot tell
         const bool set = drive.features[i];
         addRow(
             features, QString::fromLatin1(DriveInfo::featureTable[i].name),

@@ -93,7 +93,7 @@ void DiskUsageForm::addDriveCards()
         card->diskIndex = index;
         card->setVolumeName(drive.name);
         card->setFileSystem(drive.fileSystem);
-        card->setSizeText(drive.sizeText());
+        card->setSizeText(drive.sizeText(), drive.sizeDetails());
         card->setUsedPercent(drive.usedPercent());
         card->setRootPath(drive.rootPath);
         connect(card, &DiskUsageItemInfoForm::showDetails, this, &DiskUsageForm::OnShowDetails);

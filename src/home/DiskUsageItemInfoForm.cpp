@@ -24,9 +24,10 @@ void DiskUsageItemInfoForm::setFileSystem(const QString& fileSystem)
     ui->fsLabel->adjustSize();
 }
 
-void DiskUsageItemInfoForm::setSizeText(const QString& text)
+void DiskUsageItemInfoForm::setSizeText(const QString& text, const QString& details)
 {
     ui->sizeLabel->setText(text);
+    ui->sizeLabel->setToolTip(details);
 }
 
 void DiskUsageItemInfoForm::setUsedPercent(int percent)

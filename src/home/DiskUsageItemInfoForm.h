@@ -22,7 +22,8 @@ public:
 
     void setVolumeName(const QString& name);
     void setFileSystem(const QString& fileSystem);
-    void setSizeText(const QString& text);
+    // details: the tooltip, what the text leaves out.
+    void setSizeText(const QString& text, const QString& details = {});
     void setUsedPercent(int percent);
     void setRootPath(const QString& path);
 

@@ -35,27 +35,40 @@ DriveInfo DriveInfo::fromVolume(const platform::VolumeRecord& volume)
 {
     DriveInfo drive;
     const QString driveName = QString::fromStdWString(volume.drive);
-    drive.name = QString::fromStdWString(volume.label) + " (" + driveName + ")";
+    const QString device = QString::fromStdWString(volume.device);
+    // A mount point without a label names itself, and its device stands in brackets.
+    drive.name = volume.label.empty() && !device.isEmpty() && !driveName.endsWith(':')
+                     ? driveName + " (" + device + ")"
+                     : QString::fromStdWString(volume.label) + " (" + driveName + ")";
     if (driveName.size() == 2 && driveName.at(1) == ':')
         drive.letter = driveName.at(0).toLatin1();
     drive.rootPath = QString::fromStdWString(volume.rootPath);
-    drive.serialNumber = serialText(volume.serialNumber);
+    drive.serialNumber =
+        volume.hasSerialNumber ? serialText(volume.serialNumber) : QStringLiteral("n/a");
     drive.fileSystem = QString::fromStdWString(volume.fileSystem);
     drive.maxFileNameLength = QString::number(volume.maxComponentLength);
 
-    const double totalGB = double(volume.totalBytes) / 1073741824.0;
-    const double freeGB = double(volume.freeToCaller) / 1073741824.0;
-    drive.freePercent = float(float(freeGB) * 100.0f / totalGB);
-    drive.totalSpace = QString::number(totalGB, 'f', 2) + " GB";
-    drive.freeSpace = QString::number(freeGB, 'f', 2) + " GB";
+    const auto gigabytes = [](std::uint64_t bytes) { return double(bytes) / 1073741824.0; };
+    const auto text = [](double gigabytes) { return QString::number(gigabytes, 'f', 2) + " GB"; };
+    // As df counts: what is reserved is neither the user's data nor free to the user.
+    const double usableGB = gigabytes(volume.totalBytes - volume.reservedBytes);
+    const double freeGB = gigabytes(volume.freeToCaller);
+    drive.freePercent = float(float(freeGB) * 100.0f / usableGB);
+    drive.totalSpace = text(gigabytes(volume.totalBytes));
+    drive.usableSpace = text(usableGB);
+    drive.freeSpace = text(freeGB);
+    if (volume.reservedBytes > 0)
+        drive.reservedSpace = text(gigabytes(volume.reservedBytes));
     drive.freePercentText = QString::number(drive.freePercent, 'f', 2) + "%";
 
     drive.totalClusters = QString::number(volume.totalClusters);
     drive.freeClusters = QString::number(volume.freeClusters);
     drive.sectorsPerCluster = QString::number(volume.sectorsPerCluster);
     drive.bytesPerSector = QString::number(volume.bytesPerSector);
-    for (std::size_t i = 0; i < featureTable.size(); ++i)
+    for (std::size_t i = 0; i < featureTable.size(); ++i) {
         drive.features[i] = (volume.flags & featureTable[i].flag) != 0;
+        drive.featureKnown[i] = (volume.knownFlags & featureTable[i].flag) != 0;
+    }
     return drive;
 }
 
@@ -69,7 +82,15 @@ QList<DriveInfo> DriveInfo::readDrives()
 
 QString DriveInfo::sizeText() const
 {
-    return QStringLiteral("%1 free of %2 (%3)").arg(freeSpace, totalSpace, freePercentText);
+    return QStringLiteral("%1 free of %2 (%3)").arg(freeSpace, usableSpace, freePercentText);
+}
+
+QString DriveInfo::sizeDetails() const
+{
+    return reservedSpace.isEmpty()
+               ? QString()
+               : QStringLiteral("%1 in all, of which %2 is reserved for the system")
+                     .arg(totalSpace, reservedSpace);
 }
 
 int DriveInfo::usedPercent() const

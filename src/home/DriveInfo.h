@@ -17,7 +17,9 @@ struct DriveInfo {
     // The file-system features, in the order the details dialog lists them.
     static const std::array<Feature, 19> featureTable;
 
-    QString name;    // label and drive: "System (C:)", " (/home)" without a label
+    // Label and drive: "System (C:)"; on Linux without a label, the mount
+    // point and the device: "/ (/dev/sda2)".
+    QString name;
     char letter = 0; // the drive letter on Windows; none on Linux
     QString rootPath;
     QString serialNumber;
@@ -25,6 +27,10 @@ struct DriveInfo {
     QString maxFileNameLength;
     QString totalSpace;
     QString freeSpace;
+    // Linux: the space kept for the system, and what is left for the user
+    // (used and free), which the card shows. Empty where nothing is reserved.
+    QString reservedSpace;
+    QString usableSpace;
     float freePercent = 0;
     QString freePercentText;
     QString totalClusters;
@@ -32,6 +38,9 @@ struct DriveInfo {
     QString sectorsPerCluster;
     QString bytesPerSector;
     std::array<bool, 19> features{};
+    // Which features the platform can tell for this volume; the others do
+    // not apply and are not listed.
+    std::array<bool, 19> featureKnown{};
 
     [[nodiscard]] static DriveInfo fromVolume(const platform::VolumeRecord& volume);
     [[nodiscard]] static QList<DriveInfo> readDrives();
@@ -39,8 +48,10 @@ struct DriveInfo {
     // character, upper-cased: 1A2B-3C4D, AB12-CD, BEEF-.
     [[nodiscard]] static QString serialText(quint32 serial);
 
-    // "12.50 GB free of 100.00 GB (12.50%)"
+    // "12.50 GB free of 100.00 GB (12.50%)"; on Linux of the usable space.
     [[nodiscard]] QString sizeText() const;
+    // What the size text leaves out: the reserved space; empty when none.
+    [[nodiscard]] QString sizeDetails() const;
     // What a scan of the disk is given: "C:" for C:\, the mount point on Linux.
     [[nodiscard]] QString scanPath() const;
     // The used share in whole percent, for the card's bar.

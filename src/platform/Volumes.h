@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -35,11 +36,17 @@ struct VolumeRecord {
     std::wstring drive;    // "C:" on Windows, the mount point on Linux
     std::wstring rootPath; // "C:\" on Windows, the mount point on Linux
     std::wstring label;    // empty when the volume has none
+    std::wstring device;   // the block device on Linux, when known
     std::uint32_t serialNumber = 0;
+    bool hasSerialNumber = true; // false where the volume has none to tell (Linux)
     std::uint32_t maxComponentLength = 0;
     std::uint32_t flags = 0;
+    // The flags this platform can tell for the volume; the others do not apply.
+    std::uint32_t knownFlags = 0xffffffff;
     std::wstring fileSystem;
     std::uint64_t freeToCaller = 0; // bytes the user may still write
+    // Free, but kept for the system (Linux: root's reserved blocks); 0 on Windows.
+    std::uint64_t reservedBytes = 0;
     std::uint64_t totalBytes = 0;
     std::uint64_t totalClusters = 0;
     std::uint64_t freeClusters = 0;
@@ -49,5 +56,8 @@ struct VolumeRecord {
 
 // In drive-letter order on Windows, in mount-point order on Linux.
 [[nodiscard]] std::vector<VolumeRecord> fixedVolumes();
+// The volume whose root the path is (a drive's root, a mount point), of any
+// kind; none for a folder inside a volume.
+[[nodiscard]] std::optional<VolumeRecord> volumeRootedAt(const std::wstring& path);
 
 } // namespace platform

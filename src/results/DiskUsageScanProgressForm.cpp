@@ -8,6 +8,7 @@
 #include "scan/DiskUsageClearRamThread.h"
 #include "scan/DiskUsageWorkerThread.h"
 #include "scan/FolderColumn.h"
+#include "scan/VolumeReconciliation.h"
 #include "ui_DiskUsageScanProgressForm.h"
 
 #include <QDir>
@@ -75,6 +76,8 @@ DiskUsageScanProgressForm::DiskUsageScanProgressForm(QWidget* parent)
             &DiskUsageScanProgressForm::handleScanCancel);
     ui->toolBar->hide();
     ui->tabWidget->hide();
+    ui->volumeSummaryLabel->hide();
+    ui->volumeSummaryLabel->hide();
     ui->tabWidget->setCurrentIndex(0);
     ui->unreadableLabel->hide();
     itemCountTimer.setInterval(itemCountInterval);
@@ -157,6 +160,7 @@ void DiskUsageScanProgressForm::startScanning(const QString& path)
 {
     if (scanPanel)
         scanPanel->setTitle(QStringLiteral("Scanning in progress. Please wait ..."));
+    scannedFolder = path;
     ScanRequest request = ScanRequest::fromSettings(path);
     request.setShownIcons(platform::folderIcon());
     worker = new DiskUsageWorkerThread(this, std::move(request));
@@ -232,6 +236,7 @@ void DiskUsageScanProgressForm::handleResults()
     if (!cancelled && !releaseAfterResults) {
         showFolderTree();
         ui->toolBar->show();
+        ui->volumeSummaryLabel->setVisible(!ui->volumeSummaryLabel->text().isEmpty());
         ui->tabWidget->show();
         generalModel.sort(Size, Qt::DescendingOrder);
         showBiggestFiles();
@@ -259,6 +264,16 @@ void DiskUsageScanProgressForm::takeResult()
     biggestFiles = std::move(result.biggestFiles);
     dataFiles = std::move(result.dataFiles);
     showUnreadable(result.unreadable);
+    showVolumeSummary(result);
+}
+
+// A scan of a volume's root says how it adds up against the volume.
+void DiskUsageScanProgressForm::showVolumeSummary(const ScanFigures& result)
+{
+    const std::optional<VolumeReconciliation> volume =
+        VolumeReconciliation::of(scannedFolder, result);
+    ui->volumeSummaryLabel->setText(volume ? volume->text() : QString());
+    ui->volumeSummaryLabel->setToolTip(volume ? volume->details() : QString());
 }
 
 // A folder that could not be read shows as an empty row; the line says how
@@ -452,6 +467,7 @@ void DiskUsageScanProgressForm::startRelease()
     }
     ui->toolBar->hide();
     ui->tabWidget->hide();
+    ui->volumeSummaryLabel->hide();
 
     scanPanel = addScanPanel();
     scanPanel->setTitle(QStringLiteral("Clearing RAM back to the system in progress."));

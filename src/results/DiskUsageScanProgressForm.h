@@ -14,6 +14,7 @@ class DiskUsageClearRamThread;
 class DiskUsageScanInfoForm;
 class DiskUsageWorkerThread;
 class QLabel;
+struct ScanFigures;
 class QTreeView;
 
 namespace Ui {
@@ -72,11 +73,13 @@ private:
     void showDataFiles();
     void takeResult();
     void showUnreadable(const QStringList& folders);
+    void showVolumeSummary(const ScanFigures& result);
     void startRelease();
     void showLegendRow(int row, const QString& icon, const QString& name, quint64 size);
     [[nodiscard]] QString selectedFilePath() const;
 
     std::unique_ptr<Ui::DiskUsageScanProgressForm> ui;
+    QString scannedFolder;
     bool cancelled = false;
     bool releaseAfterResults = false;
     DiskUsageWorkerThread* worker = nullptr;

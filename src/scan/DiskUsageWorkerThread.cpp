@@ -145,6 +145,8 @@ DiskUsageWorkerThread::Frame DiskUsageWorkerThread::enter(FolderReadAhead& readA
     readAhead.take(*folder);
     if (folder->failed)
         result.unreadable.append(folder->path);
+    if (folder->elsewhere)
+        result.elsewhere.append(folder->path);
     Frame frame;
     frame.totals.onDisk = folder->allocated;
     frame.folder = std::move(folder);
@@ -165,6 +167,7 @@ void DiskUsageWorkerThread::addEntry(FolderReadAhead& readAhead, std::vector<Fra
     }
     FolderReadAhead::FolderPtr child = std::move(frame.folder->subfolders[frame.nextSubfolder++]);
     if (child->excluded) {
+        ++result.excludedFolders;
         if (lcWorker().isDebugEnabled() && !inExcludedOneDrive(child->path))
             qCDebug(lcWorker).noquote() << "exclude path 1:" << excludingEntry(child->path)->path;
         return;

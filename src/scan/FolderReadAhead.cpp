@@ -164,6 +164,7 @@ void FolderReadAhead::read(Folder& folder)
     if (folder.loops)
         *listing = {};
     folder.opened = listing->isOpen();
+    folder.elsewhere = !folder.opened && !listing->failed() && !folder.loops;
     folder.allocated = listing->allocated();
     platform::DirectoryEntry entry;
     while (!stopping.load(std::memory_order_relaxed) && listing->next(entry)) {

@@ -52,6 +52,7 @@ public:
         bool opened = false;
         bool loops = false;          // the same folder as one above it: not entered
         bool failed = false;         // could not be opened, or its reading broke off
+        bool elsewhere = false;      // on another file system: shown, not entered
         std::uint64_t allocated = 0; // the folder's own bytes on disk
         std::vector<Entry> entries;
         platform::NativeString names; // every entry's name, one after the other

@@ -15,12 +15,14 @@ struct ScanFigures {
     QList<DiskUsageGlobal::TFileInfo> biggestFiles;
     QList<QList<DiskUsageGlobal::TMainDataFile>> dataFiles;
     quint64 totalSize = 0;
-    quint64 totalOnDisk = 0;  // hard-linked files counted once
+    quint64 totalOnDisk = 0; // hard-linked files counted once
     quint32 totalFiles = 0;
     quint32 totalFolders = 0; // the scanned folder not counted
     int itemsScanned = 0;     // every entry met, files and folders
     int totalSubFolders = 0;  // the scanned folder's own subfolders, plus one
     QStringList unreadable;   // folders that could not be listed, in walk order
+    QStringList elsewhere;    // folders on other file systems, not entered
+    int excludedFolders = 0;  // left out by the exclusions, OneDrive's included
 };
 
 // What one scan hands back. It owns its rows until they are put into models;

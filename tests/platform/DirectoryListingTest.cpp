@@ -70,14 +70,23 @@ TEST_CASE(listsFilesAndFoldersWithTheirSizes)
     makeFile(scratch.path / "big.iso", 5'000'000'123ull);
     makeFile(scratch.path / unicode, 7);
     fs::create_directory(scratch.path / "sub folder; with.dots");
+    {
+        std::ofstream written(scratch.path / "written.bin", std::ios::binary);
+        written << std::string(10000, 'w');
+    }
 
     const auto entries = listAll(DirectoryListing::open(scratch.path.native()));
-    CHECK(entries.size() == 5);
+    CHECK(entries.size() == 6);
     CHECK(entries.count(NativeString(fs::path(".").native())) == 0);
     CHECK(entries.count(NativeString(fs::path("..").native())) == 0);
     CHECK(entries.at(fs::path("empty.txt").native()).size == 0);
     CHECK(entries.at(fs::path("archive.tar.gz").native()).size == 12345);
     CHECK(entries.at(fs::path("big.iso").native()).size == 5'000'000'123ull);
+    // What a file takes on disk: whole blocks for what was written, fewer than
+    // its length for a file only extended (sparse on Linux, and under Wine).
+    const std::uint64_t written = entries.at(fs::path("written.bin").native()).allocated;
+    CHECK(written >= 10000 && written % 512 == 0);
+    CHECK(entries.at(fs::path("big.iso").native()).allocated < 5'000'000'123ull);
     CHECK(entries.at(unicode.native()).size == 7);
     CHECK(!entries.at(unicode.native()).isDirectory);
     const DirectoryEntry& folder = entries.at(fs::path("sub folder; with.dots").native());

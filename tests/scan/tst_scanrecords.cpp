@@ -2,6 +2,7 @@
 #include "platform/NativeText.h"
 #include "scan/CategoryMatcher.h"
 #include "scan/DiskUsageGlobal.h"
+#include "scan/VolumeReconciliation.h"
 #include "settings/ExclusionSettings.h"
 #include "settings/FileTypeCatalogue.h"
 #include "settings/SettingsStore.h"
@@ -29,6 +30,7 @@ private slots:
     void storedCategory();
     void catalogueLoadsWhatTheCountSays();
     void exclusionsLoadFromTheirNumberedValues();
+    void aVolumeScanAddsUp();
 
 private:
     IsolatedSettings isolated;
@@ -272,6 +274,37 @@ void TestScanRecords::exclusionsLoadFromTheirNumberedValues()
     for (int i = 0; i < 11; ++i)
         ExclusionSettings::append(full, {true, QString::number(i)});
     QCOMPARE(full.size(), ExclusionSettings::maximumFolders);
+}
+
+void TestScanRecords::aVolumeScanAddsUp()
+{
+    platform::VolumeRecord volume;
+    volume.totalBytes = 100ull << 30;
+    volume.freeToCaller = 30ull << 30;
+    volume.reservedBytes = 5ull << 30;
+    ScanFigures scan;
+    scan.totalOnDisk = 60ull << 30;
+    scan.unreadable = QStringList{"/root/secret", "/lost+found"};
+    scan.elsewhere = QStringList{"/proc"};
+    scan.excludedFolders = 1;
+    const VolumeReconciliation sums(volume, scan);
+    // Used as df counts it: neither free to the user nor reserved.
+    QCOMPARE(sums.usedOnVolume(), 65ull << 30);
+    QCOMPARE(sums.text(),
+             QStringLiteral("Volume: 65.00 GB used, 60.00 GB found on disk by this scan (92%). "
+                            "The other 5.00 GB: 2 folders not readable, 1 other file system not "
+                            "entered, 1 excluded folder, the file system's own data. 5.00 GB "
+                            "more is reserved for the system."));
+    QCOMPARE(sums.details().split('\n').size(), 5);
+
+    // All of it found, nothing reserved (Windows): the line stops at the figures.
+    scan = {};
+    scan.totalOnDisk = 70ull << 30;
+    volume.reservedBytes = 0;
+    QCOMPARE(VolumeReconciliation(volume, scan).text(),
+             QStringLiteral("Volume: 70.00 GB used, 70.00 GB found on disk by this scan (100%)."));
+    // A folder inside a volume is no volume's root.
+    QVERIFY(!VolumeReconciliation::of(QDir::tempPath() + "/no-such-mount", scan));
 }
 
 QTEST_GUILESS_MAIN(TestScanRecords)

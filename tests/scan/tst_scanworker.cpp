@@ -12,6 +12,7 @@
 #include <QStandardItemModel>
 #include <QtTest>
 
+#include <filesystem>
 #include <functional>
 
 using namespace DiskUsageGlobal;
@@ -156,6 +157,7 @@ private slots:
     void foldersCarryTheirSubtrees();
     void percentagesAreSharesOfTheParent();
     void theTwentyBiggestFiles();
+    void hardLinkedFilesTakeSpaceOnce();
     void categoriesCountEveryMatchingFile();
     void exclusionsArePlainPrefixes();
     void oneDriveFolders();
@@ -273,6 +275,33 @@ void TestScanWorker::theTwentyBiggestFiles()
         QCOMPARE(scan.biggest[i].size, size);
         QCOMPARE(scan.biggest[i].filePath, under(QString("sub%1/f%2.bin").arg(size % 3).arg(size)));
     }
+}
+
+void TestScanWorker::hardLinkedFilesTakeSpaceOnce()
+{
+#ifdef Q_OS_WIN
+    QSKIP("a Windows listing tells no link count: each name counts its space");
+#endif
+    constexpr quint64 written = 64 * 1024;
+    makeFile(dir.filePath("b/placeholder"), 0);
+    QDir().mkpath(dir.filePath("a"));
+    QFile data(dir.filePath("a/data.bin"));
+    QVERIFY(data.open(QIODevice::WriteOnly));
+    data.write(QByteArray(written, 'd'));
+    data.close();
+    std::error_code error;
+    std::filesystem::create_hard_link(data.fileName().toStdString(),
+                                      dir.filePath("b/again.bin").toStdString(), error);
+    if (error)
+        QSKIP("this file system has no hard links");
+    const ScanRun scan(scanRoot());
+    const quint64 a = cell(childNamed(scan.root(), "a"), OnDisk).toULongLong();
+    const quint64 b = cell(childNamed(scan.root(), "b"), OnDisk).toULongLong();
+    // Its size counts in both folders, the space it takes only where the walk met it first.
+    QCOMPARE(cell(childNamed(scan.root(), "b"), Size).toULongLong(), written);
+    QVERIFY(std::max(a, b) >= written);
+    QVERIFY(std::min(a, b) < written);
+    QCOMPARE(scan.biggest.first().onDisk, scan.biggest.last().onDisk);
 }
 
 void TestScanWorker::categoriesCountEveryMatchingFile()

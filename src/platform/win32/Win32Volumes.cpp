@@ -6,11 +6,13 @@ namespace platform {
 
 namespace {
 
-VolumeRecord readVolume(wchar_t letter)
+// root: "C:\", or a folder where a volume is mounted, with its backslash.
+VolumeRecord readVolume(const std::wstring& root)
 {
     VolumeRecord volume;
-    volume.drive = std::wstring{letter, L':'};
-    volume.rootPath = volume.drive + L"\\";
+    const bool letterRoot = root.size() == 3 && root[1] == L':';
+    volume.drive = letterRoot ? root.substr(0, 2) : root;
+    volume.rootPath = root;
     wchar_t label[510] = {};
     wchar_t fileSystem[510] = {};
     DWORD serial = 0;
@@ -52,9 +54,23 @@ std::vector<VolumeRecord> fixedVolumes()
     for (wchar_t letter = L'A'; letter <= L'Z'; ++letter) {
         const wchar_t root[] = {letter, L':', L'\\', L'\0'};
         if (GetDriveTypeW(root) == DRIVE_FIXED)
-            volumes.push_back(readVolume(letter));
+            volumes.push_back(readVolume(root));
     }
     return volumes;
+}
+
+std::optional<VolumeRecord> volumeRootedAt(const std::wstring& path)
+{
+    std::wstring root = path;
+    if (root.empty())
+        return std::nullopt;
+    if (root.back() != L'\\' && root.back() != L'/')
+        root += L'\\';
+    wchar_t volumePath[MAX_PATH + 1] = {};
+    if (!GetVolumePathNameW(root.c_str(), volumePath, MAX_PATH + 1) ||
+        CompareStringOrdinal(volumePath, -1, root.c_str(), -1, TRUE) != CSTR_EQUAL)
+        return std::nullopt;
+    return readVolume(volumePath);
 }
 
 } // namespace platform
