@@ -2,6 +2,8 @@
 # The scan engine against du on the same tree, in one run.
 #
 #   bench/scan-bench.sh [TREE]     (default /tmp/tallyroot-bench-tree)
+#   BASELINE=REV bench/scan-bench.sh   also times tallyroot-scan as built at
+#                                      git revision REV, for what a change costs
 #
 # Makes the tree on first use (1,000,000 sparse files in 100,000 folders, depth
 # up to 12), then times three runs of each program and reports the median wall
@@ -27,10 +29,25 @@ report() { # LABEL SECONDS KIB DU-SECONDS
     printf '%-32s %6.2f s  %5s x du  peak %4d MiB\n' "$1" "$2" "$(ratio "$2" "$4")" $(($3 / 1024))
 }
 
+# The engine as it was at another revision, built from its own sources.
+baseline=
+if [ -n "${BASELINE:-}" ]; then
+    base=build-baseline/$(git rev-parse --short "$BASELINE")
+    if [ ! -x "$base/build/src/tallyroot-scan" ]; then
+        rm -rf "$base" && mkdir -p "$base"
+        git archive "$BASELINE" | tar -x -C "$base"
+        cmake -S "$base" -B "$base/build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+            -DTALLYROOT_WIN32_BACKEND_TESTS=OFF >/dev/null
+        cmake --build "$base/build" --target tallyroot-scan >/dev/null
+    fi
+    baseline=$base/build/src/tallyroot-scan
+fi
+
 read -r du_seconds du_kib < <(measure du -sbl -x "$tree")
 read -r one_seconds one_kib < <(measure "$scan" --defaults --threads 1 "$tree")
 read -r scan_seconds scan_kib < <(measure "$scan" --defaults "$tree")
 read -r json_seconds json_kib < <(measure "$scan" --defaults --json "$json/default.json" "$tree")
+[ -z "$baseline" ] || read -r base_seconds base_kib < <(measure "$baseline" --defaults "$tree")
 
 summary=$("$scan" --defaults "$tree" 2>/dev/null)
 echo "tree:    $tree"
@@ -41,6 +58,11 @@ report "  du -sb -l" "$du_seconds" "$du_kib" "$du_seconds"
 report "  tallyroot-scan --threads 1" "$one_seconds" "$one_kib" "$du_seconds"
 report "  tallyroot-scan" "$scan_seconds" "$scan_kib" "$du_seconds"
 report "  tallyroot-scan --json" "$json_seconds" "$json_kib" "$du_seconds"
+if [ -n "$baseline" ]; then
+    report "  tallyroot-scan at $BASELINE" "$base_seconds" "$base_kib" "$du_seconds"
+    echo "  this build against $BASELINE: time $(ratio "$scan_seconds" "$base_seconds") x," \
+         "peak memory $(ratio "$scan_kib" "$base_kib") x"
+fi
 if can_drop_caches; then
     read -r du_cold du_cold_kib < <(measure_cold du -sbl -x "$tree")
     read -r one_cold one_cold_kib < <(measure_cold "$scan" --defaults --threads 1 "$tree")
