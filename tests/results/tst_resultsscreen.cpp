@@ -1,6 +1,7 @@
 #include "IsolatedSettings.h"
 #include "NextModal.h"
 #include "TestSupport.h"
+#include "platform/Volumes.h"
 #include "results/DiskUsageScanInfoForm.h"
 #include "results/DiskUsageScanProgressForm.h"
 #include "results/ResultDetailsDialog.h"
@@ -35,6 +36,7 @@ private slots:
     void filesDeletedAfterTheScan();
     void aFileNothingOpensSaysSo();
     void unreadableFoldersAreCounted();
+    void aVolumeRootIsAddedUp();
     void detailsDialogSorting();
 
 private:
@@ -394,6 +396,23 @@ void TestResultsScreen::unreadableFoldersAreCounted()
     QVERIFY(label->isVisible());
     QCOMPARE(label->text(), QStringLiteral("1 folder could not be read"));
     QCOMPARE(label->toolTip(), QDir::toNativeSeparators(locked));
+}
+
+void TestResultsScreen::aVolumeRootIsAddedUp()
+{
+    QVERIFY(!child<QLabel>(scanned().get(), "volumeSummaryLabel")->isVisible());
+    // A small file system of its own on Linux; on Windows every root is a drive.
+    const QString root = QSysInfo::kernelType() == QLatin1String("winnt") ? QString() : "/dev";
+    if (root.isEmpty() || !platform::volumeRootedAt(root.toStdWString()))
+        QSKIP("no small volume root to scan here");
+    DiskUsageScanProgressForm form;
+    form.show();
+    QSignalSpy finished(&form, &DiskUsageScanProgressForm::scanFinish);
+    form.startScanning(root);
+    QVERIFY(finished.wait(20000));
+    auto* line = child<QLabel>(&form, "volumeSummaryLabel");
+    QVERIFY(line->isVisible());
+    QVERIFY(line->text().startsWith("Volume: "));
 }
 
 void TestResultsScreen::detailsDialogSorting()

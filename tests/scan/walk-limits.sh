@@ -12,7 +12,7 @@ if [ "$(id -u)" -eq 0 ] && [ -z "${TALLYROOT_IN_NAMESPACE:-}" ] && unshare -m tr
     TALLYROOT_IN_NAMESPACE=1 exec unshare -m bash "$0" "$@"
 fi
 work=$(mktemp -d /tmp/tallyroot-limits.XXXXXX)
-trap 'umount "$work/loop/inner/again" 2>/dev/null || true; rm -rf "$work"' EXIT
+trap 'umount "$work/loop/inner/again" "$work/volume/inner" "$work/volume" 2>/dev/null || true; rm -rf "$work"' EXIT
 passed=0 failed=0
 
 # compare LABEL TREE [THREADS]: the engine's totals against du's and find's;
@@ -54,6 +54,18 @@ if [ -n "${TALLYROOT_IN_NAMESPACE:-}" ] && mount --bind "$work/loop" "$work/loop
     count "$(compare "bind mount of an ancestor" "$work/loop")"
 else
     echo "bind mount of an ancestor: skipped (needs root and a mount namespace)"
+fi
+# A volume's root: the summary adds the scan up against the volume, whose
+# other file system below is not entered.
+mkdir -p "$work/volume"
+if [ -n "${TALLYROOT_IN_NAMESPACE:-}" ] && mount -t tmpfs -o size=16m tmpfs "$work/volume"; then
+    head -c 1048576 /dev/zero > "$work/volume/file"
+    mkdir "$work/volume/inner" && mount -t tmpfs -o size=1m tmpfs "$work/volume/inner"
+    line=$("$scan" --defaults "$work/volume" | sed -n 2p)
+    expected="Volume: 1.00 MB used, 1.00 MB found on disk by this scan (100%)."
+    count "$([ "$line" = "$expected" ] && echo ok || echo "volume root: \"$line\"")"
+else
+    echo "volume root: skipped (needs root and a mount namespace)"
 fi
 echo "$passed passed, $failed failed"
 [ "$failed" -eq 0 ]
