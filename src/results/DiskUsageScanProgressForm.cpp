@@ -4,6 +4,7 @@
 #include "DiskUsageScanInfoForm.h"
 #include "ResultDetailsDialog.h"
 #include "ShellActions.h"
+#include "TreemapView.h"
 #include "platform/Shell.h"
 #include "scan/DiskUsageClearRamThread.h"
 #include "scan/DiskUsageWorkerThread.h"
@@ -110,6 +111,25 @@ void DiskUsageScanProgressForm::setUpViews()
     // Clickable, but a click does not re-sort: rows keep the order of loading.
     ui->treeView->header()->setSectionsClickable(true);
     ui->dataFilesTreeView->header()->setSectionsClickable(true);
+    setUpMap();
+}
+
+// The map and the folder tree follow each other: a click on the map chooses
+// the folder in the tree, a folder chosen in the tree is outlined on the map.
+void DiskUsageScanProgressForm::setUpMap()
+{
+    TreemapView* map = ui->treemapView;
+    connect(map, &TreemapView::folderClicked, this, [this](QStandardItem* folder) {
+        const QModelIndex index = generalModel.indexFromItem(folder);
+        ui->treeView->setCurrentIndex(index);
+        ui->treeView->scrollTo(index);
+    });
+    connect(map, &TreemapView::zoomChanged, this, [this, map](const QString& folder) {
+        ui->mapPathLabel->setText(folder);
+        ui->mapUpButton->setEnabled(map->canZoomOut());
+    });
+    connect(ui->mapUpButton, &QToolButton::clicked, map, &TreemapView::zoomOut);
+    ui->mapUpButton->setEnabled(false);
 }
 
 // Three columns side by side: icons, names, sizes. A summary row, a gap, ten
@@ -241,6 +261,7 @@ void DiskUsageScanProgressForm::handleResults()
         generalModel.sort(Size, Qt::DescendingOrder);
         showBiggestFiles();
         showDataFiles();
+        ui->treemapView->setSource(&generalModel);
     }
     ui->explorerGeneralButton->setEnabled(false);
     emit scanFinish();
@@ -352,6 +373,7 @@ void DiskUsageScanProgressForm::OnTreeViewSelectionChanged(const QItemSelection&
     if (indexes.isEmpty())
         return;
     const QModelIndex row = indexes.first();
+    ui->treemapView->setHighlighted(generalModel.itemFromIndex(row.siblingAtColumn(Name)));
     const quint64 total = row.siblingAtColumn(Size).data().toULongLong();
     summaryIcon->setPixmap(QPixmap(folderIcon));
     summaryName->setText(row.siblingAtColumn(Name).data().toString());
@@ -456,6 +478,7 @@ void DiskUsageScanProgressForm::startRelease()
     delete delegate;
     for (QTreeView* view : {ui->treeView, ui->biggestFileTreeView, ui->dataFilesTreeView})
         view->setModel(nullptr);
+    ui->treemapView->clear();
     // The release thread sorts and clears the models: nothing on this thread may
     // still watch them. A view (and its header) lets go of its model, but not of
     // the selection models made for it, which react to the model until deleted.

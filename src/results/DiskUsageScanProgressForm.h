@@ -74,6 +74,7 @@ private:
     void takeResult();
     void showUnreadable(const QStringList& folders);
     void showVolumeSummary(const ScanFigures& result);
+    void setUpMap();
     void startRelease();
     void showLegendRow(int row, const QString& icon, const QString& name, quint64 size);
     [[nodiscard]] QString selectedFilePath() const;

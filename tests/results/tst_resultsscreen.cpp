@@ -5,6 +5,7 @@
 #include "results/DiskUsageScanInfoForm.h"
 #include "results/DiskUsageScanProgressForm.h"
 #include "results/ResultDetailsDialog.h"
+#include "results/TreemapView.h"
 #include "settings/ExclusionSettings.h"
 #include "settings/FileTypeCatalogue.h"
 
@@ -13,8 +14,10 @@
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QStandardItemModel>
 #include <QTabWidget>
 #include <QToolButton>
+#include <QToolTip>
 #include <QTreeView>
 #include <QtTest>
 
@@ -29,6 +32,7 @@ private slots:
     void theLegendListsTheLargestChildren();
     void theBiggestFilesTab();
     void theDataFilesTabAndItsDetails();
+    void theMapFollowsTheTree();
     void buttonsFollowTheSelection();
     void backReleasesAndReturnsHome();
     void backWithEveryRowSelectedAgainAndAgain();
@@ -242,6 +246,55 @@ void TestResultsScreen::theDataFilesTabAndItsDetails()
     child<QToolButton>(form.get(), "dataFilesViewButton")->click();
     QCOMPARE(title, QStringLiteral("Document Files (20 Biggest Files)"));
     QCOMPARE(rows, 13);
+}
+
+void TestResultsScreen::theMapFollowsTheTree()
+{
+    auto form = scanned();
+    QVERIFY(form);
+    auto* map = child<TreemapView>(form.get(), "treemapView");
+    QVERIFY(!map->isRendered()); // nothing is laid out before the tab is shown
+    QSignalSpy rendered(map, &TreemapView::rendered);
+    child<QTabWidget>(form.get(), "tabWidget")->setCurrentIndex(3);
+    QVERIFY(rendered.wait());
+    auto* tree = child<QTreeView>(form.get(), "treeView");
+    auto* model = qobject_cast<QStandardItemModel*>(tree->model());
+    QStandardItem* root = model->item(0);
+    QStandardItem* music = root->child(0);
+    QStandardItem* docs = root->child(1);
+    QCOMPARE(music->text(), QStringLiteral("music"));
+    // A picture of another size stretches until the one for this size is ready.
+    QTRY_VERIFY(!map->rectOf(music).isEmpty());
+
+    // Hovering tells what a block is; a click chooses its folder in the tree.
+    const QPoint onMusic = map->rectOf(music).center().toPoint();
+    QHelpEvent hover(QEvent::ToolTip, onMusic, map->mapToGlobal(onMusic));
+    QApplication::sendEvent(map, &hover);
+    QVERIFY(QToolTip::text().contains(QDir::toNativeSeparators(dir.filePath("music"))));
+    QVERIFY(QToolTip::text().contains("of the scanned folder"));
+    QTest::mouseClick(map, Qt::LeftButton, {}, onMusic);
+    QCOMPARE(tree->currentIndex(), music->index());
+
+    // A double-click shows only that folder; Backspace goes back up.
+    auto* up = child<QToolButton>(form.get(), "mapUpButton");
+    QVERIFY(!up->isEnabled());
+    const QPoint onDocs = map->rectOf(docs).center().toPoint();
+    QTest::mouseDClick(map, Qt::LeftButton, {}, onDocs);
+    QVERIFY(rendered.wait());
+    QCOMPARE(child<QLabel>(form.get(), "mapPathLabel")->text(),
+             QDir::toNativeSeparators(dir.filePath("docs")));
+    QVERIFY(up->isEnabled());
+    QVERIFY(map->rectOf(music).isEmpty());
+    QTest::keyClick(map, Qt::Key_Backspace);
+    QVERIFY(rendered.wait());
+    QVERIFY(!up->isEnabled());
+    QVERIFY(!map->rectOf(music).isEmpty());
+
+    // Back lets go of the map with the rest.
+    QSignalSpy home(form.get(), &DiskUsageScanProgressForm::backToMain);
+    child<QToolButton>(form.get(), "backButton")->click();
+    QVERIFY(!map->isRendered());
+    QVERIFY(home.wait());
 }
 
 void TestResultsScreen::buttonsFollowTheSelection()

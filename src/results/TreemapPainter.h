@@ -1,0 +1,18 @@
+#pragma once
+
+#include "TreemapLayout.h"
+
+#include <QImage>
+
+// Paints a laid-out map with cushion shading: every level adds a ridge to the
+// surface of the rectangles inside it, and the light on that surface makes
+// each rectangle look like a cushion and its nesting visible. Each of the
+// scanned folder's children has a colour of its own, lighter with depth.
+// Safe to run on any thread.
+class TreemapPainter {
+public:
+    [[nodiscard]] static QImage paint(const TreemapTree& tree,
+                                      const std::vector<TreemapLayout::Cell>& cells, QSize size);
+    // The colour of a node, before shading.
+    [[nodiscard]] static QColor colourOf(const TreemapTree::Node& node);
+};
