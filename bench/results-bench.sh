@@ -5,8 +5,10 @@
 #   bench/results-bench.sh [TREE]     (default /tmp/tallyroot-bench-tree)
 #
 # Runs the real results screen offscreen three times: the time from
-# startScanning() to scanFinish(), and from Back to backToMain(). Then times
-# tallyroot-scan and du -sb -l on the same tree and reports the ratios.
+# startScanning() to scanFinish(), and from Back to backToMain(). Three more
+# runs show the Map tab at 1920x1080 before Back: the time to its first
+# picture (layout and paint) and the peak memory with the map shown. Then
+# times tallyroot-scan and du -sb -l on the same tree and reports the ratios.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 tree=${1:-/tmp/tallyroot-bench-tree}
@@ -14,15 +16,24 @@ source bench/common.sh
 prepare "$tree" tallyroot-scan tallyroot-results-bench
 
 build/bench/tallyroot-results-bench "$tree" >/dev/null 2>&1 # warm the cache
-screen=$(for _ in $(seq $runs); do
-    build/bench/tallyroot-results-bench "$tree" 2>/dev/null | grep '^results'
-done | sort -k2 -n | sed -n "$(( (runs + 1) / 2 ))p")
+# median_line KEY ARGS...: the run whose figure after KEY is the median.
+median_line() {
+    local key=$1; shift
+    for _ in $(seq $runs); do
+        build/bench/tallyroot-results-bench "$@" 2>/dev/null | grep '^results'
+    done | awk -v key="$key" '{ for (i = 1; i < NF; i++) if ($i == key) print $(i + 1), $0 }' |
+        sort -n | sed -n "$(( (runs + 1) / 2 ))p" | cut -d' ' -f2-
+}
+screen=$(median_line results "$tree")
+map=$(median_line map --map "$tree")
 results_seconds=$(awk '{ print $2 }' <<<"$screen")
 read -r scan_seconds scan_kib < <(measure build/src/tallyroot-scan --defaults "$tree")
 read -r du_seconds _ < <(measure du -sbl -x "$tree")
 
 echo "tree:            $tree"
 echo "results screen:  $screen (median of $runs)"
+echo "with the map:    $map (median of $runs)"
+echo "map memory:      $(( $(sed -E 's/.*peak ([0-9]+) MiB.*/\1/' <<<"$map") - $(sed -E 's/.*peak ([0-9]+) MiB.*/\1/' <<<"$screen") )) MiB more than without it"
 printf 'tallyroot-scan:  %.2f s  peak %d MiB\n' "$scan_seconds" $((scan_kib / 1024))
 printf 'du -sb -l:       %.2f s\n' "$du_seconds"
 echo "ratio:           $(ratio "$results_seconds" "$du_seconds") x du, $(ratio "$results_seconds" "$scan_seconds") x tallyroot-scan"
