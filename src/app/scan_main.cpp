@@ -48,14 +48,19 @@ int main(int argc, char* argv[])
 {
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName("tallyroot-scan");
+    QCoreApplication::setApplicationVersion(TALLYROOT_VERSION);
 
     QCommandLineParser parser;
-    parser.setApplicationDescription("Scans one folder with Tallyroot's scan engine and prints "
-                                     "a summary: folders (the scanned one included), files, "
-                                     "bytes, bytes on disk (each hard-linked file once), "
-                                     "entries and seconds, and how many folders could not be "
-                                     "read.");
+    parser.setApplicationDescription(
+        "Scans one folder with Tallyroot's scan engine and prints a summary line: folders\n"
+        "(the scanned one included), files, bytes (every hard link), bytes on disk\n"
+        "(blocks allocated, each hard-linked file once), entries and seconds, and how\n"
+        "many folders could not be read. For the root of a volume a second line\n"
+        "compares the scan with the space the volume says is used.\n"
+        "Exit status: 0 when the scan ran, 1 when the folder or the JSON file is\n"
+        "unusable, 2 on wrong usage.");
     parser.addHelpOption();
+    parser.addVersionOption();
     parser.addOptions({
         {"defaults", "Built-in file types, no exclusions, OneDrive included; the stored "
                      "settings are not read."},

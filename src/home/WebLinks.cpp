@@ -1,6 +1,7 @@
 #include "WebLinks.h"
 
 #include <QCoreApplication>
+#include <QFileInfo>
 
 namespace WebLinks {
 
@@ -9,10 +10,16 @@ QString webAddress()
     return QStringLiteral(TALLYROOT_WEB_ADDRESS);
 }
 
+// Beside the program in a build or the Windows folder; where an installed
+// Linux program keeps its documentation otherwise.
 QUrl userGuide()
 {
-    return QUrl::fromLocalFile(QCoreApplication::applicationDirPath() +
-                               QStringLiteral("/user-guide.html"));
+    const QString programs = QCoreApplication::applicationDirPath();
+    const QString beside = programs + QStringLiteral("/user-guide.html");
+    const QString installed = programs + QStringLiteral("/../share/doc/tallyroot/user-guide.html");
+    return QUrl::fromLocalFile(QFileInfo::exists(beside) || !QFileInfo::exists(installed)
+                                   ? beside
+                                   : QFileInfo(installed).canonicalFilePath());
 }
 
 QUrl website()
