@@ -59,8 +59,11 @@ int main(int argc, char* argv[])
         "compares the scan with the space the volume says is used.\n"
         "Exit status: 0 when the scan ran, 1 when the folder or the JSON file is\n"
         "unusable, 2 on wrong usage.");
-    parser.addHelpOption();
-    parser.addVersionOption();
+    // Answered here rather than by the parser, which on Windows shows them in
+    // a message box when no console window is open (output to a pipe).
+    const QCommandLineOption help({"h", "help"}, "Displays this help.");
+    const QCommandLineOption version({"v", "version"}, "Displays the version.");
+    parser.addOptions({help, version});
     parser.addOptions({
         {"defaults", "Built-in file types, no exclusions, OneDrive included; the stored "
                      "settings are not read."},
@@ -74,8 +77,18 @@ int main(int argc, char* argv[])
     });
     parser.addPositionalArgument("folder", "The folder to scan.");
     parser.process(app);
-    if (parser.positionalArguments().size() != 1)
-        parser.showHelp(2);
+    if (parser.isSet(version)) {
+        std::printf("tallyroot-scan %s\n", TALLYROOT_VERSION);
+        return 0;
+    }
+    if (parser.isSet(help)) {
+        std::printf("%s", qPrintable(parser.helpText()));
+        return 0;
+    }
+    if (parser.positionalArguments().size() != 1) {
+        std::fprintf(stderr, "%s", qPrintable(parser.helpText()));
+        return 2;
+    }
     const QString path = parser.positionalArguments().constFirst();
     if (!QFileInfo(path).isDir())
         fail("not a folder: " + path);

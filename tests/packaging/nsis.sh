@@ -1,0 +1,40 @@
+#!/usr/bin/env bash
+# The Windows installer as a user runs it, under Wine in a throw-away prefix:
+# a silent install, the programs and the Start-menu entry where they belong,
+# the installed tallyroot-scan.exe run, and a silent uninstall that takes the
+# programs away again.
+#   nsis.sh BUILD-DIR VERSION     (the Windows build)
+set -euo pipefail
+build=$(realpath "$1") version=$2
+setup=$build/Tallyroot-$version-windows-x64-setup.exe
+rm -f "$setup"
+(cd "$build" && cpack -G NSIS >/dev/null)
+prefix=$(mktemp -d /tmp/tallyroot-nsis.XXXXXX)
+trap '/usr/lib/wine/wineserver64 -k 2>/dev/null || true; rm -rf "$prefix"' EXIT
+export WINEPREFIX=$prefix WINEDEBUG=-all WINEDLLOVERRIDES=mscoree,mshtml=
+wine=/usr/lib/wine/wine64
+wineserver=/usr/lib/wine/wineserver64
+target='C:\TallyrootTest'
+installed="$prefix/drive_c/TallyrootTest"
+failed=0
+check() { # LABEL COMMAND...
+    if "${@:2}"; then echo "ok: $1"; else echo "FAILED: $1"; failed=1; fi
+}
+
+"$wine" wineboot --init >/dev/null 2>&1
+# /D= comes last and unquoted, as NSIS reads it: a path without blanks.
+"$wine" "$setup" /S "/D=$target" >/dev/null 2>&1
+"$wineserver" -w
+check "Tallyroot.exe installed" test -f "$installed/Tallyroot.exe"
+check "tallyroot-scan.exe installed" test -f "$installed/tallyroot-scan.exe"
+check "its Qt beside it" test -f "$installed/platforms/qwindows.dll"
+check "a Start-menu entry" test -n "$(find "$prefix/drive_c" -path '*Start Menu*' -name 'Tallyroot.lnk')"
+shown=$("$wine" "$installed/tallyroot-scan.exe" --version 2>/dev/null | tr -d '\r')
+check "tallyroot-scan.exe --version" test "$shown" = "tallyroot-scan $version"
+
+# _?= keeps the uninstaller in place and waits for it.
+"$wine" "$installed/Uninstall.exe" /S "_?=$target" >/dev/null 2>&1
+"$wineserver" -w
+check "uninstalled" test ! -e "$installed/Tallyroot.exe" -a ! -e "$installed/tallyroot-scan.exe"
+check "no Start-menu entry left" test -z "$(find "$prefix/drive_c" -path '*Start Menu*' -name 'Tallyroot.lnk')"
+exit $failed
