@@ -154,6 +154,10 @@ TEST_CASE(wineHasFixedDrivesCAndZ)
     CHECK(drives.find(L"Z:") != std::wstring::npos);
     for (const auto& volume : platform::fixedVolumes())
         CHECK(volume.rootPath == volume.drive + L"\\");
+    // A drive's root is a volume's root, with or without its backslash; a folder in it is not.
+    CHECK(platform::volumeRootedAt(L"C:\\").has_value());
+    CHECK(platform::volumeRootedAt(L"C:").has_value());
+    CHECK(!platform::volumeRootedAt(L"C:\\windows").has_value());
 }
 
 TEST_CASE(theFullScreenAreaIsKnown)
