@@ -90,6 +90,8 @@ void TreemapView::readSource()
         return;
     tree = std::make_shared<const TreemapTree>(TreemapTree::fromModel(*source));
     top = 0;
+    if (tree->isEmpty())
+        return;
     setHighlighted(highlightedFolder);
     render();
     emit zoomChanged(cellOf(tree->item(0), FolderColumn::Path).toString());
