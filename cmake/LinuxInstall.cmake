@@ -45,24 +45,25 @@ install(FILES ${PROJECT_SOURCE_DIR}/resources/images/Tallyroot.svg
 # The man page and the changelog, compressed as Debian keeps them (no name or
 # time in the gzip header, so the package comes out the same every time).
 find_program(TALLYROOT_GZIP gzip REQUIRED)
+foreach(page tallyroot.1 tallyroot-scan.1)
+    configure_file(${linux_resources}/${page} ${PROJECT_BINARY_DIR}/man/${page} @ONLY)
+endforeach()
+set(packed ${PROJECT_BINARY_DIR}/compressed)
+file(MAKE_DIRECTORY ${packed})
 set(compressed)
-foreach(file man/tallyroot.1 man/tallyroot-scan.1 changelog)
-    set(source ${PROJECT_BINARY_DIR}/${file})
-    if(file STREQUAL changelog)
-        set(source ${linux_resources}/changelog)
-    else()
-        get_filename_component(page ${file} NAME)
-        configure_file(${linux_resources}/${page} ${source} @ONLY)
-    endif()
-    add_custom_command(OUTPUT ${PROJECT_BINARY_DIR}/${file}.gz
-        COMMAND ${TALLYROOT_GZIP} -9nc ${source} > ${PROJECT_BINARY_DIR}/${file}.gz
+foreach(source ${PROJECT_BINARY_DIR}/man/tallyroot.1 ${PROJECT_BINARY_DIR}/man/tallyroot-scan.1
+               ${linux_resources}/changelog)
+    get_filename_component(name ${source} NAME)
+    set(output ${packed}/${name}.gz)
+    add_custom_command(OUTPUT ${output}
+        COMMAND ${TALLYROOT_GZIP} -9nc ${source} > ${output}
         DEPENDS ${source} VERBATIM)
-    list(APPEND compressed ${PROJECT_BINARY_DIR}/${file}.gz)
+    list(APPEND compressed ${output})
 endforeach()
 add_custom_target(linux_docs ALL DEPENDS ${compressed})
-install(FILES ${PROJECT_BINARY_DIR}/man/tallyroot.1.gz ${PROJECT_BINARY_DIR}/man/tallyroot-scan.1.gz
+install(FILES ${packed}/tallyroot.1.gz ${packed}/tallyroot-scan.1.gz
         DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
-install(FILES ${PROJECT_BINARY_DIR}/changelog.gz ${linux_resources}/copyright
+install(FILES ${packed}/changelog.gz ${linux_resources}/copyright
               ${PROJECT_SOURCE_DIR}/docs/user-guide.html
         DESTINATION ${doc})
 

@@ -37,7 +37,7 @@ DriveInfo DriveInfo::fromVolume(const platform::VolumeRecord& volume)
     const QString driveName = QString::fromStdWString(volume.drive);
     const QString device = QString::fromStdWString(volume.device);
     // A mount point without a label names itself, and its device stands in brackets.
-    drive.name = volume.label.empty() && !device.isEmpty() && !driveName.endsWith(':')
+    drive.name = volume.label.empty() && !device.isEmpty()
                      ? driveName + " (" + device + ")"
                      : QString::fromStdWString(volume.label) + " (" + driveName + ")";
     if (driveName.size() == 2 && driveName.at(1) == ':')

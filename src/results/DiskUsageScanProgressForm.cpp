@@ -78,7 +78,6 @@ DiskUsageScanProgressForm::DiskUsageScanProgressForm(QWidget* parent)
     ui->toolBar->hide();
     ui->tabWidget->hide();
     ui->volumeSummaryLabel->hide();
-    ui->volumeSummaryLabel->hide();
     ui->tabWidget->setCurrentIndex(0);
     ui->unreadableLabel->hide();
     itemCountTimer.setInterval(itemCountInterval);
@@ -490,7 +489,6 @@ void DiskUsageScanProgressForm::startRelease()
     }
     ui->toolBar->hide();
     ui->tabWidget->hide();
-    ui->volumeSummaryLabel->hide();
 
     scanPanel = addScanPanel();
     scanPanel->setTitle(QStringLiteral("Clearing RAM back to the system in progress."));

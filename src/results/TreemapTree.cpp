@@ -10,10 +10,7 @@ namespace {
 
 quint64 sizeOf(const QStandardItem* folder)
 {
-    const QStandardItem* parent =
-        folder->parent() ? folder->parent() : folder->model()->invisibleRootItem();
-    const QStandardItem* cell = parent->child(folder->row(), FolderColumn::Size);
-    return cell ? cell->data(Qt::DisplayRole).toULongLong() : 0;
+    return folder->index().siblingAtColumn(FolderColumn::Size).data().toULongLong();
 }
 
 } // namespace

@@ -21,10 +21,7 @@ constexpr int filesInToolTip = 5;
 
 QVariant cellOf(const QStandardItem* folder, int column)
 {
-    const QStandardItem* parent =
-        folder->parent() ? folder->parent() : folder->model()->invisibleRootItem();
-    const QStandardItem* cell = parent->child(folder->row(), column);
-    return cell ? cell->data(Qt::DisplayRole) : QVariant();
+    return folder->index().siblingAtColumn(column).data();
 }
 
 } // namespace

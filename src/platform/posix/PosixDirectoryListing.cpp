@@ -96,18 +96,7 @@ DirectoryListing DirectoryListing::open(const NativeString& path)
 
 DirectoryListing DirectoryListing::openChild(const NativeString& name) const
 {
-    DirectoryListing listing;
-    if (state) {
-        const int flags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
-        State::adopt(listing, posix::FileDescriptor(::openat(state->fd, name.c_str(), flags)),
-                     &state->device);
-        // A folder that cannot be read still takes its blocks.
-        struct stat info {};
-        if (listing.failure && fstatat(state->fd, name.c_str(), &info, AT_SYMLINK_NOFOLLOW) == 0 &&
-            S_ISDIR(info.st_mode))
-            listing.ownAllocation = allocatedBytes(info);
-    }
-    return listing;
+    return openDescendant({name});
 }
 
 DirectoryListing DirectoryListing::openDescendant(const std::vector<NativeStringView>& names) const
@@ -122,12 +111,17 @@ DirectoryListing DirectoryListing::openDescendant(const std::vector<NativeString
         step = posix::FileDescriptor(::openat(from, NativeString(names[index]).c_str(), passFlags));
         from = step.get();
     }
+    const NativeString last(names.back());
     const int flags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
     DirectoryListing listing;
     State::adopt(listing,
-                 posix::FileDescriptor(
-                     from >= 0 ? ::openat(from, NativeString(names.back()).c_str(), flags) : -1),
+                 posix::FileDescriptor(from >= 0 ? ::openat(from, last.c_str(), flags) : -1),
                  &state->device);
+    // A folder that cannot be read still takes its blocks.
+    struct stat info {};
+    if (listing.failure && from >= 0 &&
+        fstatat(from, last.c_str(), &info, AT_SYMLINK_NOFOLLOW) == 0 && S_ISDIR(info.st_mode))
+        listing.ownAllocation = allocatedBytes(info);
     return listing;
 }
 

@@ -69,6 +69,14 @@ std::wstring systemPath(const std::wstring& path)
     return extended;
 }
 
+// Backup semantics open a folder as a handle.
+win32::FileHandle openFolder(const std::wstring& path, DWORD access)
+{
+    return win32::FileHandle(CreateFileW(
+        systemPath(path).c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+        nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+}
+
 } // namespace
 
 DirectoryListing::DirectoryListing() = default;
@@ -80,11 +88,7 @@ DirectoryListing DirectoryListing::open(const NativeString& path)
 {
     auto state = std::make_unique<State>();
     state->path = path;
-    // Backup semantics open a folder as a handle.
-    state->folder =
-        win32::FileHandle(CreateFileW(systemPath(path).c_str(), FILE_LIST_DIRECTORY,
-                                      FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                                      nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+    state->folder = openFolder(path, FILE_LIST_DIRECTORY);
     DirectoryListing listing;
     // The first batch tells a folder from a file, which opens all the same.
     if (state->folder.isValid() && state->readBatch())
@@ -98,7 +102,7 @@ DirectoryListing DirectoryListing::open(const NativeString& path)
 
 DirectoryListing DirectoryListing::openChild(const NativeString& name) const
 {
-    return state ? open(state->path + L"\\" + name) : DirectoryListing();
+    return openDescendant({name});
 }
 
 DirectoryListing DirectoryListing::openDescendant(const std::vector<NativeStringView>& names) const
@@ -123,10 +127,8 @@ std::optional<FolderIdentity> DirectoryListing::identity() const
 
 std::optional<FolderIdentity> DirectoryListing::identityOf(const NativeString& path)
 {
-    // Backup semantics open a folder; no access is asked for, only its information.
-    const win32::FileHandle folder(CreateFileW(
-        systemPath(path).c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-        nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+    // No access is asked for, only the folder's information.
+    const win32::FileHandle folder = openFolder(path, 0);
     BY_HANDLE_FILE_INFORMATION information{};
     if (!folder.isValid() || !GetFileInformationByHandle(folder.get(), &information))
         return std::nullopt;
