@@ -1,12 +1,12 @@
 #include "DiskUsageGraphDelegate.h"
 
+#include "FolderColumn.h"
 #include "scan/DiskUsageGlobal.h"
-#include "scan/FolderColumn.h"
 
+#include <QAbstractItemModel>
 #include <QPainter>
-#include <QStandardItemModel>
 
-DiskUsageGraphDelegate::DiskUsageGraphDelegate(QStandardItemModel* model, QObject* parent)
+DiskUsageGraphDelegate::DiskUsageGraphDelegate(QAbstractItemModel* model, QObject* parent)
     : QStyledItemDelegate(parent)
     , model(model)
 {}

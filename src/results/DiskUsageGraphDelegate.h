@@ -2,7 +2,7 @@
 
 #include <QStyledItemDelegate>
 
-class QStandardItemModel;
+class QAbstractItemModel;
 
 // Draws, behind the text of the folder tree's "Size" column, a bar as long as
 // the row's share of its parent; shows the bytes on disk as a size text.
@@ -11,7 +11,7 @@ class DiskUsageGraphDelegate : public QStyledItemDelegate {
     Q_DISABLE_COPY_MOVE(DiskUsageGraphDelegate)
 
 public:
-    DiskUsageGraphDelegate(QStandardItemModel* model, QObject* parent);
+    DiskUsageGraphDelegate(QAbstractItemModel* model, QObject* parent);
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option,
                const QModelIndex& index) const override;
@@ -23,5 +23,5 @@ protected:
     void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override;
 
 private:
-    QStandardItemModel* model;
+    QAbstractItemModel* model;
 };

@@ -2,13 +2,13 @@
 
 #include "DiskUsageGraphDelegate.h"
 #include "DiskUsageScanInfoForm.h"
+#include "FolderColumn.h"
 #include "ResultDetailsDialog.h"
 #include "ShellActions.h"
 #include "TreemapView.h"
 #include "platform/Shell.h"
 #include "scan/DiskUsageClearRamThread.h"
 #include "scan/DiskUsageWorkerThread.h"
-#include "scan/FolderColumn.h"
 #include "scan/VolumeReconciliation.h"
 #include "ui_DiskUsageScanProgressForm.h"
 
@@ -21,8 +21,6 @@
 namespace {
 
 using namespace FolderColumn;
-enum BiggestColumn { FileName, FileSize, LastAccess, Folder, RawSize, FileOnDisk };
-enum DataFilesColumn { Category, Total, CategoryMebibytes = 4, CategoryIndex = 5 };
 constexpr int legendRows = 11;
 // Icons and texts stand in separate columns; one height keeps their rows level.
 constexpr int legendRowHeight = 20;
@@ -98,12 +96,6 @@ DiskUsageScanProgressForm::~DiskUsageScanProgressForm()
 
 void DiskUsageScanProgressForm::setUpViews()
 {
-    generalModel.setHorizontalHeaderLabels({"Name", "Size", "File Count", "Folder Count", "Size",
-                                            "Path", "Percentage", "MaxData", "Index", "On Disk"});
-    biggestFilesModel.setHorizontalHeaderLabels(
-        {"Name", "Size", "Last Access Time", "Path", "Raw Size", "On Disk"});
-    dataFilesModel.setHorizontalHeaderLabels(
-        {"Name", "Total Size (All Files)", "Last Access Time", "Path", "Raw Size", "Index"});
     for (QTreeView* view : {ui->treeView, ui->biggestFileTreeView, ui->dataFilesTreeView})
         view->setEditTriggers(QAbstractItemView::NoEditTriggers);
     ui->treeView->setItemDelegate(new DiskUsageGraphDelegate(&generalModel, this));
@@ -118,8 +110,8 @@ void DiskUsageScanProgressForm::setUpViews()
 void DiskUsageScanProgressForm::setUpMap()
 {
     TreemapView* map = ui->treemapView;
-    connect(map, &TreemapView::folderClicked, this, [this](QStandardItem* folder) {
-        const QModelIndex index = generalModel.indexFromItem(folder);
+    connect(map, &TreemapView::folderClicked, this, [this](ScanTree::Index folder) {
+        const QModelIndex index = generalModel.indexOf(folder);
         ui->treeView->setCurrentIndex(index);
         ui->treeView->scrollTo(index);
     });
@@ -181,7 +173,7 @@ void DiskUsageScanProgressForm::startScanning(const QString& path)
         scanPanel->setTitle(QStringLiteral("Scanning in progress. Please wait ..."));
     scannedFolder = path;
     ScanRequest request = ScanRequest::fromSettings(path);
-    request.setShownIcons(platform::folderIcon());
+    oneDrivePath = request.oneDrivePath;
     worker = new DiskUsageWorkerThread(this, std::move(request));
     connect(worker, &DiskUsageWorkerThread::resultReady, this,
             &DiskUsageScanProgressForm::handleResults);
@@ -257,10 +249,9 @@ void DiskUsageScanProgressForm::handleResults()
         ui->toolBar->show();
         ui->volumeSummaryLabel->setVisible(!ui->volumeSummaryLabel->text().isEmpty());
         ui->tabWidget->show();
-        generalModel.sort(Size, Qt::DescendingOrder);
         showBiggestFiles();
         showDataFiles();
-        ui->treemapView->setSource(&generalModel);
+        ui->treemapView->setSource(generalModel.tree());
     }
     ui->explorerGeneralButton->setEnabled(false);
     emit scanFinish();
@@ -277,10 +268,8 @@ void DiskUsageScanProgressForm::handleResults()
 void DiskUsageScanProgressForm::takeResult()
 {
     ScanResult result = worker->takeResult();
-    if (!result.rootRow.isEmpty())
-        generalModel.appendRow(std::exchange(result.rootRow, {}));
-    for (QList<QStandardItem*>& row : result.categoryRows)
-        dataFilesModel.appendRow(std::exchange(row, {}));
+    generalModel.setTree(std::move(result.tree), oneDrivePath);
+    categories = std::move(result.categories);
     biggestFiles = std::move(result.biggestFiles);
     dataFiles = std::move(result.dataFiles);
     showUnreadable(result.unreadable);
@@ -328,35 +317,24 @@ void DiskUsageScanProgressForm::showFolderTree()
 
 void DiskUsageScanProgressForm::showBiggestFiles()
 {
-    for (const auto& file : std::as_const(biggestFiles)) {
-        const QFileInfo info(file.filePath);
-        auto* name = new QStandardItem(info.fileName());
-        name->setIcon(ShellActions::smallFileIcon(file.filePath));
-        auto* mebibytes = new QStandardItem;
-        mebibytes->setData(double(file.size) / 1048576.0, Qt::EditRole);
-        biggestFilesModel.appendRow(
-            {name, new QStandardItem(DiskUsageGlobal::sizeText(double(file.size))),
-             new QStandardItem(DiskUsageGlobal::lastAccessText(file.lastAccessTime)),
-             new QStandardItem(QDir::toNativeSeparators(info.path())), mebibytes,
-             new QStandardItem(DiskUsageGlobal::sizeText(double(file.onDisk)))});
-    }
+    biggestFilesModel.setFiles(std::exchange(biggestFiles, {}));
     QTreeView* view = ui->biggestFileTreeView;
     view->setModel(&biggestFilesModel);
-    view->setColumnWidth(FileName, 300);
-    view->setColumnWidth(LastAccess, 200);
-    view->hideColumn(RawSize);
-    showBesideSize(view, FileOnDisk, FileSize);
+    view->setColumnWidth(BiggestFilesModel::FileName, 300);
+    view->setColumnWidth(BiggestFilesModel::LastAccess, 200);
+    view->hideColumn(BiggestFilesModel::RawSize);
+    showBesideSize(view, BiggestFilesModel::FileOnDisk, BiggestFilesModel::FileSize);
 }
 
 void DiskUsageScanProgressForm::showDataFiles()
 {
+    dataFilesModel.setCategories(std::exchange(categories, {}));
     QTreeView* view = ui->dataFilesTreeView;
     view->setModel(&dataFilesModel);
-    view->setColumnWidth(Category, 300);
-    for (int column = 2; column <= CategoryIndex; ++column)
+    view->setColumnWidth(CategoryModel::Category, 300);
+    for (int column = CategoryModel::LastAccess; column <= CategoryModel::CategoryIndex; ++column)
         view->hideColumn(column);
-    view->setColumnWidth(2, 200);
-    dataFilesModel.sort(CategoryMebibytes, Qt::DescendingOrder);
+    view->setColumnWidth(CategoryModel::LastAccess, 200);
     if (dataFilesModel.rowCount() > 0)
         view->setCurrentIndex(dataFilesModel.index(0, 0));
 }
@@ -372,20 +350,28 @@ void DiskUsageScanProgressForm::OnTreeViewSelectionChanged(const QItemSelection&
     if (indexes.isEmpty())
         return;
     const QModelIndex row = indexes.first();
-    ui->treemapView->setHighlighted(generalModel.itemFromIndex(row.siblingAtColumn(Name)));
-    const quint64 total = row.siblingAtColumn(Size).data().toULongLong();
-    summaryIcon->setPixmap(QPixmap(folderIcon));
-    summaryName->setText(row.siblingAtColumn(Name).data().toString());
-    summarySize->setText(DiskUsageGlobal::sizeText(double(total)));
+    const ScanTree::Index folder = FolderTreeModel::nodeOf(row);
+    ui->treemapView->setHighlighted(folder);
     ui->explorerGeneralButton->setEnabled(!row.siblingAtColumn(Path).data().toString().isEmpty());
+    showLegend(folder);
+}
+
+// The folder, its ten largest children, and what the rest of it takes.
+void DiskUsageScanProgressForm::showLegend(ScanTree::Index folder)
+{
+    const ScanTree& tree = *generalModel.tree();
+    const quint64 total = tree.node(folder).size;
+    summaryIcon->setPixmap(QPixmap(folderIcon));
+    summaryName->setText(tree.nameText(folder));
+    summarySize->setText(DiskUsageGlobal::sizeText(double(total)));
 
     quint64 listed = 0;
     int filled = 0;
-    const QString summary = row.siblingAtColumn(MaxData).data().toString();
-    for (const DiskUsageGlobal::SummaryEntry& entry : DiskUsageGlobal::parseChildSummary(summary)) {
-        listed += entry.size;
-        showLegendRow(filled++, entry.isFolder ? folderIcon : fileIcon, shortenedName(entry.name),
-                      entry.size);
+    for (ScanTree::Index child : tree.largestChildren(folder, legendRows - 1)) {
+        const quint64 size = tree.node(child).size;
+        listed += size;
+        showLegendRow(filled++, tree.node(child).isFolder() ? folderIcon : fileIcon,
+                      shortenedName(tree.nameText(child)), size);
     }
     for (int hidden = filled; hidden < legendRows; ++hidden) {
         legendIcons[hidden]->hide();
@@ -435,8 +421,9 @@ QString DiskUsageScanProgressForm::selectedFilePath() const
     const QModelIndex row = firstSelected(ui->biggestFileTreeView);
     if (!row.isValid())
         return {};
-    return ShellActions::joinFolderAndName(row.siblingAtColumn(Folder).data().toString(),
-                                           row.siblingAtColumn(FileName).data().toString());
+    return ShellActions::joinFolderAndName(
+        row.siblingAtColumn(BiggestFilesModel::Folder).data().toString(),
+        row.siblingAtColumn(BiggestFilesModel::FileName).data().toString());
 }
 
 void DiskUsageScanProgressForm::on_explorerBiggestButton_clicked()
@@ -456,7 +443,7 @@ void DiskUsageScanProgressForm::on_openFileBiggestButton_clicked()
 void DiskUsageScanProgressForm::on_dataFilesViewButton_clicked()
 {
     const QModelIndex row = firstSelected(ui->dataFilesTreeView);
-    const QVariant category = row.siblingAtColumn(CategoryIndex).data();
+    const QVariant category = row.siblingAtColumn(CategoryModel::CategoryIndex).data();
     // A disabled category's row has no index, and no files to show.
     if (!category.isValid())
         return;
@@ -464,7 +451,7 @@ void DiskUsageScanProgressForm::on_dataFilesViewButton_clicked()
     auto* dialog = new ResultDetailsDialog(this);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setEntries(&dataFiles[index]);
-    dialog->setWindowTitle(row.siblingAtColumn(Category).data().toString() +
+    dialog->setWindowTitle(row.siblingAtColumn(CategoryModel::Category).data().toString() +
                            QStringLiteral(" (20 Biggest Files)"));
     dialog->fill();
     dialog->exec();
@@ -478,15 +465,11 @@ void DiskUsageScanProgressForm::startRelease()
     for (QTreeView* view : {ui->treeView, ui->biggestFileTreeView, ui->dataFilesTreeView})
         view->setModel(nullptr);
     ui->treemapView->clear();
-    // The release thread sorts and clears the models: nothing on this thread may
-    // still watch them. A view (and its header) lets go of its model, but not of
-    // the selection models made for it, which react to the model until deleted.
-    const QSet<const QAbstractItemModel*> released{&generalModel, &biggestFilesModel,
-                                                   &dataFilesModel};
-    for (QItemSelectionModel* selection : findChildren<QItemSelectionModel*>()) {
-        if (released.contains(selection->model()))
-            delete selection;
-    }
+    // The views have let go; the tree is freed on a thread of its own.
+    std::shared_ptr<const ScanTree> tree = generalModel.tree();
+    generalModel.clear();
+    biggestFilesModel.setFiles({});
+    dataFilesModel.setCategories({});
     ui->toolBar->hide();
     ui->tabWidget->hide();
 
@@ -495,11 +478,10 @@ void DiskUsageScanProgressForm::startRelease()
     scanPanel->setPath(QStringLiteral("Please wait ..."));
     scanPanel->setItemCount(-1);
     scanPanel->disableCancel();
-    scanPanel->setMaximum(6);
+    scanPanel->setMaximum(1);
     emit clearRAMStart();
 
-    releaseThread =
-        new DiskUsageClearRamThread(this, &generalModel, &dataFilesModel, &biggestFilesModel);
+    releaseThread = new DiskUsageClearRamThread(this, std::move(tree));
     connect(releaseThread, &DiskUsageClearRamThread::updateScanProgress, this,
             &DiskUsageScanProgressForm::handleUpdateScanProgress);
     connect(releaseThread, &DiskUsageClearRamThread::processFinish, this,

@@ -1,10 +1,12 @@
 #pragma once
 
+#include "BiggestFilesModel.h"
+#include "CategoryModel.h"
+#include "FolderTreeModel.h"
 #include "scan/DiskUsageGlobal.h"
 
 #include <QItemSelection>
 #include <QPointer>
-#include <QStandardItemModel>
 #include <QTimer>
 #include <QWidget>
 
@@ -76,6 +78,7 @@ private:
     void showVolumeSummary(const ScanFigures& result);
     void setUpMap();
     void startRelease();
+    void showLegend(ScanTree::Index folder);
     void showLegendRow(int row, const QString& icon, const QString& name, quint64 size);
     [[nodiscard]] QString selectedFilePath() const;
 
@@ -85,9 +88,10 @@ private:
     bool releaseAfterResults = false;
     DiskUsageWorkerThread* worker = nullptr;
     DiskUsageClearRamThread* releaseThread = nullptr;
-    QStandardItemModel generalModel;
-    QStandardItemModel biggestFilesModel;
-    QStandardItemModel dataFilesModel;
+    QString oneDrivePath;
+    FolderTreeModel generalModel;
+    BiggestFilesModel biggestFilesModel;
+    CategoryModel dataFilesModel;
     QLabel* summaryIcon = nullptr;
     QLabel* summaryName = nullptr;
     QLabel* summarySize = nullptr;
@@ -95,6 +99,7 @@ private:
     QList<QLabel*> legendNames;
     QList<QLabel*> legendSizes;
     QList<DiskUsageGlobal::TFileInfo> biggestFiles;
+    QList<FileTypeCategory> categories;
     QList<QList<DiskUsageGlobal::TMainDataFile>> dataFiles;
     QPointer<DiskUsageScanInfoForm> scanPanel;
     // The scan's entry count, read from the worker while it runs.

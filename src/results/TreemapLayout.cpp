@@ -63,35 +63,82 @@ std::vector<QRectF> TreemapLayout::squarify(const std::vector<double>& sizes, co
     return placed;
 }
 
-std::vector<TreemapLayout::Cell> TreemapLayout::layout(const TreemapTree& tree, std::uint32_t top,
+std::uint64_t TreemapLayout::sizeOf(const ScanTree& tree, Block block)
+{
+    const ScanTree::Index folder = folderOf(block);
+    if (!isFiles(block))
+        return tree.node(folder).size;
+    std::uint64_t inSubfolders = 0;
+    for (ScanTree::Index child : tree.shownSubfolders(folder))
+        inSubfolders += tree.node(child).size;
+    const std::uint64_t size = tree.node(folder).size;
+    return size > inSubfolders ? size - inSubfolders : 0;
+}
+
+std::vector<TreemapLayout::Child> TreemapLayout::childrenOf(const ScanTree& tree,
+                                                            ScanTree::Index folder)
+{
+    std::vector<Child> children;
+    std::uint64_t inSubfolders = 0;
+    for (ScanTree::Index child : tree.shownSubfolders(folder)) {
+        children.push_back({child, tree.node(child).size, 0});
+        inSubfolders += tree.node(child).size;
+    }
+    std::stable_sort(children.begin(), children.end(),
+                     [](const Child& a, const Child& b) { return a.size > b.size; });
+    const std::uint64_t size = tree.node(folder).size;
+    if (size > inSubfolders)
+        children.push_back({folder | filesBit, size - inSubfolders, 0});
+    for (std::size_t ordinal = 0; ordinal < children.size(); ++ordinal)
+        children[ordinal].ordinal = std::uint32_t(ordinal);
+    return children;
+}
+
+// The top folder's colour and depth are those it has in the whole map.
+TreemapLayout::Cell TreemapLayout::topCell(const ScanTree& tree, ScanTree::Index top,
+                                           const QRectF& area)
+{
+    Cell cell{area, top, -1, true, 0, 0};
+    ScanTree::Index branch = top;
+    for (ScanTree::Index above = top; above != 0; above = tree.node(above).parent) {
+        ++cell.depth;
+        branch = above;
+    }
+    for (const Child& child : childrenOf(tree, 0)) {
+        if (top != 0 && child.block == branch)
+            cell.branch = child.ordinal;
+    }
+    return cell;
+}
+
+std::vector<TreemapLayout::Cell> TreemapLayout::layout(const ScanTree& tree, ScanTree::Index top,
                                                        const QRectF& area)
 {
     std::vector<Cell> cells;
-    if (top >= tree.nodes().size() || area.isEmpty())
+    if (top >= tree.size() || !tree.node(top).isFolder() || area.isEmpty())
         return cells;
-    cells.push_back({area, top, -1, true});
-    std::vector<std::uint32_t> order;
+    cells.push_back(topCell(tree, top, area));
     std::vector<double> sizes;
     // Cells are laid out in the order they were placed: breadth first.
     for (std::size_t index = 0; index < cells.size(); ++index) {
         const Cell cell = cells[index];
-        const TreemapTree::Node& node = tree.nodes()[cell.node];
         const QRectF inner = cell.rect.adjusted(frame, frame, -frame, -frame);
-        if (node.childCount == 0 || inner.width() < smallestSide || inner.height() < smallestSide)
+        if (isFiles(cell.block) || inner.width() < smallestSide || inner.height() < smallestSide)
             continue;
-        order.resize(node.childCount);
-        std::iota(order.begin(), order.end(), node.firstChild);
-        std::stable_sort(order.begin(), order.end(), [&tree](std::uint32_t a, std::uint32_t b) {
-            return tree.nodes()[a].size > tree.nodes()[b].size;
-        });
+        std::vector<Child> order = childrenOf(tree, cell.block);
+        // The files block stands among the subfolders by its size.
+        std::stable_sort(order.begin(), order.end(),
+                         [](const Child& a, const Child& b) { return a.size > b.size; });
         sizes.resize(order.size());
         std::transform(order.begin(), order.end(), sizes.begin(),
-                       [&tree](std::uint32_t child) { return double(tree.nodes()[child].size); });
+                       [](const Child& child) { return double(child.size); });
         const std::vector<QRectF> rects = squarify(sizes, inner);
         for (std::size_t child = 0; child < order.size(); ++child) {
             if (rects[child].width() < smallestSide || rects[child].height() < smallestSide)
                 continue;
-            cells.push_back({rects[child], order[child], std::int32_t(index), true});
+            const std::uint32_t branch = cell.depth == 0 ? order[child].ordinal : cell.branch;
+            cells.push_back({rects[child], order[child].block, std::int32_t(index), true,
+                             cell.depth + 1, branch});
             cells[index].leaf = false;
         }
     }

@@ -65,7 +65,7 @@ void paintCushion(QImage& image, const QRectF& rect, const Surface& surface, QCo
 
 } // namespace
 
-QColor TreemapPainter::colourOf(const TreemapTree::Node& node)
+QColor TreemapPainter::colourOf(const TreemapLayout::Cell& node)
 {
     // Hues far apart for neighbours, repeated only after twelve branches.
     static constexpr std::array<int, 12> hues{210, 30, 120, 330, 50,  270,
@@ -78,8 +78,7 @@ QColor TreemapPainter::colourOf(const TreemapTree::Node& node)
                             float(colour.blueF() + (1 - colour.blueF()) * lighter));
 }
 
-QImage TreemapPainter::paint(const TreemapTree& tree, const std::vector<TreemapLayout::Cell>& cells,
-                             QSize size)
+QImage TreemapPainter::paint(const std::vector<TreemapLayout::Cell>& cells, QSize size)
 {
     QImage image(size, QImage::Format_RGB32);
     image.fill(QColor(90, 90, 90));
@@ -94,7 +93,7 @@ QImage TreemapPainter::paint(const TreemapTree& tree, const std::vector<TreemapL
         Surface& surface = surfaces[index];
         addRidge(cell.rect.left(), cell.rect.right(), heights[index], surface.x1, surface.x2);
         addRidge(cell.rect.top(), cell.rect.bottom(), heights[index], surface.y1, surface.y2);
-        const QColor colour = colourOf(tree.nodes()[cell.node]);
+        const QColor colour = colourOf(cell);
         // A folder with children shown is only its frame: a darker flat fill,
         // which its children cover but for the edge.
         if (cell.leaf)

@@ -11,8 +11,7 @@
 // Safe to run on any thread.
 class TreemapPainter {
 public:
-    [[nodiscard]] static QImage paint(const TreemapTree& tree,
-                                      const std::vector<TreemapLayout::Cell>& cells, QSize size);
-    // The colour of a node, before shading.
-    [[nodiscard]] static QColor colourOf(const TreemapTree::Node& node);
+    [[nodiscard]] static QImage paint(const std::vector<TreemapLayout::Cell>& cells, QSize size);
+    // The colour of a cell, before shading.
+    [[nodiscard]] static QColor colourOf(const TreemapLayout::Cell& cell);
 };

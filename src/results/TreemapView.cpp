@@ -2,13 +2,12 @@
 
 #include "TreemapPainter.h"
 #include "scan/DiskUsageGlobal.h"
-#include "scan/FolderColumn.h"
 
+#include <QDir>
 #include <QHelpEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QStandardItemModel>
 #include <QThreadPool>
 #include <QToolTip>
 
@@ -18,10 +17,12 @@ namespace {
 
 constexpr int resizePauseMs = 150;
 constexpr int filesInToolTip = 5;
+// The files of a block are named from among its folder's largest children.
+constexpr std::size_t largestKept = 10;
 
-QVariant cellOf(const QStandardItem* folder, int column)
+QString pathOf(const ScanTree& tree, ScanTree::Index folder)
 {
-    return folder->index().siblingAtColumn(column).data();
+    return folder == 0 ? QDir::toNativeSeparators(tree.rootPath()) : tree.path(folder);
 }
 
 } // namespace
@@ -58,52 +59,39 @@ TreemapView::~TreemapView()
     delivery->view = nullptr;
 }
 
-void TreemapView::setSource(const QStandardItemModel* model)
+void TreemapView::setSource(std::shared_ptr<const ScanTree> source)
 {
     clear();
-    source = model;
+    tree = std::move(source);
     if (isVisible())
-        readSource();
+        render();
+    if (tree)
+        emit zoomChanged(pathOf(*tree, 0));
 }
 
 void TreemapView::clear()
 {
-    source = nullptr;
     tree.reset();
     image = QImage();
     cells.clear();
     cells.shrink_to_fit();
     top = 0;
-    highlighted = TreemapTree::none;
-    highlightedFolder = nullptr;
+    highlighted = ScanTree::none;
     ++generation; // a picture still being painted is not wanted any more
     resizePause.stop();
     update();
 }
 
-void TreemapView::readSource()
-{
-    if (tree || !source)
-        return;
-    tree = std::make_shared<const TreemapTree>(TreemapTree::fromModel(*source));
-    top = 0;
-    if (tree->isEmpty())
-        return;
-    setHighlighted(highlightedFolder);
-    render();
-    emit zoomChanged(cellOf(tree->item(0), FolderColumn::Path).toString());
-}
-
 void TreemapView::render()
 {
-    if (!tree || tree->isEmpty() || size().isEmpty())
+    if (!tree || size().isEmpty())
         return;
     auto done = std::make_shared<Render>();
     done->generation = ++generation;
     QThreadPool::globalInstance()->start(
         [done, map = tree, from = top, area = size(), to = delivery] {
             done->cells = TreemapLayout::layout(*map, from, QRectF(QPointF(0, 0), area));
-            done->image = TreemapPainter::paint(*map, done->cells, area);
+            done->image = TreemapPainter::paint(done->cells, area);
             std::lock_guard lock(to->mutex);
             if (to->view) {
                 QMetaObject::invokeMethod(
@@ -126,7 +114,8 @@ void TreemapView::takeRender(const std::shared_ptr<Render>& done)
 void TreemapView::showEvent(QShowEvent* event)
 {
     QWidget::showEvent(event);
-    readSource();
+    if (tree && image.isNull())
+        render();
 }
 
 void TreemapView::resizeEvent(QResizeEvent* event)
@@ -145,7 +134,7 @@ void TreemapView::paintEvent(QPaintEvent*)
     }
     // Until the picture for a new size is ready, the old one stretches.
     painter.drawImage(rect(), image);
-    const QRectF outline = rectOfNode(highlighted).adjusted(1, 1, -1, -1);
+    const QRectF outline = rectOf(highlighted).adjusted(1, 1, -1, -1);
     if (outline.isEmpty())
         return;
     painter.setPen(QPen(Qt::white, 2));
@@ -154,18 +143,14 @@ void TreemapView::paintEvent(QPaintEvent*)
     painter.drawRect(outline);
 }
 
-QRectF TreemapView::rectOf(const QStandardItem* folder) const
+QRectF TreemapView::rectOf(ScanTree::Index folder) const
 {
-    return tree && folder ? rectOfNode(tree->nodeOf(folder)) : QRectF();
-}
-
-QRectF TreemapView::rectOfNode(std::uint32_t node) const
-{
-    if (image.size() != size())
+    if (!tree || folder >= tree->size() || image.size() != size())
         return {};
-    for (; node != TreemapTree::none; node = tree->nodes()[node].parent) {
-        const auto found = std::find_if(cells.begin(), cells.end(),
-                                        [node](const auto& cell) { return cell.node == node; });
+    for (; folder != ScanTree::none; folder = tree->node(folder).parent) {
+        const auto found = std::find_if(cells.begin(), cells.end(), [folder](const auto& cell) {
+            return cell.block == folder;
+        });
         if (found != cells.end())
             return found->rect;
     }
@@ -184,18 +169,12 @@ int TreemapView::cellAt(const QPoint& point) const
     return -1;
 }
 
-std::uint32_t TreemapView::folderOf(std::uint32_t node) const
-{
-    const TreemapTree::Node& found = tree->nodes()[node];
-    return found.files ? found.parent : node;
-}
-
 void TreemapView::mousePressEvent(QMouseEvent* event)
 {
     const int cell = cellAt(event->position().toPoint());
     if (event->button() != Qt::LeftButton || cell < 0)
         return QWidget::mousePressEvent(event);
-    emit folderClicked(tree->item(folderOf(cells[std::size_t(cell)].node)));
+    emit folderClicked(TreemapLayout::folderOf(cells[std::size_t(cell)].block));
 }
 
 void TreemapView::mouseDoubleClickEvent(QMouseEvent* event)
@@ -203,7 +182,7 @@ void TreemapView::mouseDoubleClickEvent(QMouseEvent* event)
     const int cell = cellAt(event->position().toPoint());
     if (event->button() != Qt::LeftButton || cell < 0)
         return QWidget::mouseDoubleClickEvent(event);
-    zoomTo(folderOf(cells[std::size_t(cell)].node));
+    zoomTo(TreemapLayout::folderOf(cells[std::size_t(cell)].block));
 }
 
 void TreemapView::keyPressEvent(QKeyEvent* event)
@@ -222,22 +201,21 @@ bool TreemapView::canZoomOut() const
 void TreemapView::zoomOut()
 {
     if (canZoomOut())
-        zoomTo(tree->nodes()[top].parent);
+        zoomTo(tree->node(top).parent);
 }
 
-void TreemapView::zoomTo(std::uint32_t node)
+void TreemapView::zoomTo(ScanTree::Index folder)
 {
-    if (!tree || node == top)
+    if (!tree || folder == top)
         return;
-    top = node;
+    top = folder;
     render();
-    emit zoomChanged(cellOf(tree->item(node), FolderColumn::Path).toString());
+    emit zoomChanged(pathOf(*tree, folder));
 }
 
-void TreemapView::setHighlighted(const QStandardItem* folder)
+void TreemapView::setHighlighted(ScanTree::Index folder)
 {
-    highlightedFolder = folder;
-    highlighted = tree && folder ? tree->nodeOf(folder) : TreemapTree::none;
+    highlighted = folder;
     update();
 }
 
@@ -252,36 +230,37 @@ bool TreemapView::event(QEvent* event)
         return true;
     }
     const TreemapLayout::Cell& found = cells[std::size_t(cell)];
-    QToolTip::showText(help->globalPos(), toolTipFor(found.node), this, found.rect.toAlignedRect());
+    QToolTip::showText(help->globalPos(), toolTipFor(found.block), this,
+                       found.rect.toAlignedRect());
     return true;
 }
 
-QString TreemapView::toolTipFor(std::uint32_t node) const
+QString TreemapView::toolTipFor(TreemapLayout::Block block) const
 {
-    const TreemapTree::Node& block = tree->nodes()[node];
-    const QStandardItem* folder = tree->item(node);
-    const double share =
-        100.0 * double(block.size) / double(std::max<quint64>(1, tree->nodes()[0].size));
-    const QString path = cellOf(folder, FolderColumn::Path).toString();
+    const ScanTree::Index folder = TreemapLayout::folderOf(block);
+    const ScanTree::Node& node = tree->node(folder);
+    const quint64 size = TreemapLayout::sizeOf(*tree, block);
+    const double share = 100.0 * double(size) / double(std::max<quint64>(1, tree->node(0).size));
+    const QString path = pathOf(*tree, folder);
     const QString shareText = QStringLiteral("%1% of the scanned folder").arg(share, 0, 'f', 2);
-    if (!block.files) {
+    if (!TreemapLayout::isFiles(block)) {
         return QStringLiteral("%1\n%2\n%3 files, %4 folders\n%5")
-            .arg(path, DiskUsageGlobal::sizeText(double(block.size)))
-            .arg(cellOf(folder, FolderColumn::Files).toInt())
-            .arg(cellOf(folder, FolderColumn::Folders).toInt())
+            .arg(path, DiskUsageGlobal::sizeText(double(size)))
+            .arg(node.files)
+            .arg(node.folders)
             .arg(shareText);
     }
     QStringList lines{QStringLiteral("Files in %1").arg(path),
-                      DiskUsageGlobal::sizeText(double(block.size)), shareText};
+                      DiskUsageGlobal::sizeText(double(size)), shareText};
     int listed = 0;
-    const QString summary = cellOf(folder, FolderColumn::MaxData).toString();
-    for (const DiskUsageGlobal::SummaryEntry& entry : DiskUsageGlobal::parseChildSummary(summary)) {
-        if (entry.isFolder)
+    for (ScanTree::Index child : tree->largestChildren(folder, largestKept)) {
+        if (tree->node(child).isFolder())
             continue;
         if (listed++ == filesInToolTip)
             break;
         lines << QStringLiteral("  %1  %2")
-                     .arg(entry.name, DiskUsageGlobal::sizeText(double(entry.size)));
+                     .arg(tree->nameText(child),
+                          DiskUsageGlobal::sizeText(double(tree->node(child).size)));
     }
     return lines.join('\n');
 }

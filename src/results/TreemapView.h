@@ -9,9 +9,6 @@
 #include <memory>
 #include <vector>
 
-class QStandardItem;
-class QStandardItemModel;
-
 // The map of the scanned tree: every folder a rectangle whose area is its size,
 // its subfolders and the block of its own files inside it. Laid out and
 // painted on a pool thread into an image, so that a large tree or a resize
@@ -26,22 +23,22 @@ public:
     explicit TreemapView(QWidget* parent = nullptr);
     ~TreemapView() override;
 
-    // The folder model to map. Its rows are read the first time the map is shown.
-    void setSource(const QStandardItemModel* model);
-    // Lets go of everything read from the model: call before its rows go.
+    // The scan to map; it is laid out the first time the map is shown.
+    void setSource(std::shared_ptr<const ScanTree> tree);
+    // Lets go of the scan and everything drawn of it.
     void clear();
-    // Outlines a folder row's rectangle (or its nearest folder shown).
-    void setHighlighted(const QStandardItem* folder);
+    // Outlines a folder's rectangle (or its nearest folder shown).
+    void setHighlighted(ScanTree::Index folder);
     [[nodiscard]] bool canZoomOut() const;
     [[nodiscard]] bool isRendered() const { return !image.isNull(); }
-    // Where a folder row, or the nearest folder above it that is shown,
-    // stands on the map; empty when the map does not show it.
-    [[nodiscard]] QRectF rectOf(const QStandardItem* folder) const;
+    // Where a folder, or the nearest folder above it that is shown, stands on
+    // the map; empty when the map does not show it.
+    [[nodiscard]] QRectF rectOf(ScanTree::Index folder) const;
 
     void zoomOut();
 
 signals:
-    void folderClicked(QStandardItem* folder);
+    void folderClicked(ScanTree::Index folder);
     // The folder the map now shows, as its path.
     void zoomChanged(const QString& folderPath);
     void rendered();
@@ -59,22 +56,16 @@ private:
     struct Delivery;
     struct Render;
 
-    void readSource();
     void render();
     void takeRender(const std::shared_ptr<Render>& done);
-    void zoomTo(std::uint32_t node);
+    void zoomTo(ScanTree::Index folder);
     // The deepest cell at a point, or -1.
     [[nodiscard]] int cellAt(const QPoint& point) const;
-    // The folder of a node: itself, or a files block's folder.
-    [[nodiscard]] std::uint32_t folderOf(std::uint32_t node) const;
-    [[nodiscard]] QString toolTipFor(std::uint32_t node) const;
-    [[nodiscard]] QRectF rectOfNode(std::uint32_t node) const;
+    [[nodiscard]] QString toolTipFor(TreemapLayout::Block block) const;
 
-    const QStandardItemModel* source = nullptr;
-    std::shared_ptr<const TreemapTree> tree;
-    std::uint32_t top = 0;
-    const QStandardItem* highlightedFolder = nullptr;
-    std::uint32_t highlighted = TreemapTree::none;
+    std::shared_ptr<const ScanTree> tree;
+    ScanTree::Index top = 0;
+    ScanTree::Index highlighted = ScanTree::none;
     QImage image;
     std::vector<TreemapLayout::Cell> cells;
     QTimer resizePause;

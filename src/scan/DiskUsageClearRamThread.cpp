@@ -1,34 +1,17 @@
 #include "DiskUsageClearRamThread.h"
 
-#include "FolderColumn.h"
+#include "ScanTree.h"
 
-#include <QStandardItemModel>
-
-namespace {
-constexpr int categoryIndexColumn = 5;
-} // namespace
-
-DiskUsageClearRamThread::DiskUsageClearRamThread(QObject* parent, QStandardItemModel* folderModel,
-                                                 QStandardItemModel* dataFilesModel,
-                                                 QStandardItemModel* biggestFilesModel)
+DiskUsageClearRamThread::DiskUsageClearRamThread(QObject* parent,
+                                                 std::shared_ptr<const ScanTree> tree)
     : QThread(parent)
-    , folderModel(folderModel)
-    , biggestFilesModel(biggestFilesModel)
-    , dataFilesModel(dataFilesModel)
+    , tree(std::move(tree))
 {}
 
 void DiskUsageClearRamThread::run()
 {
     setPriority(QThread::HighPriority);
-    folderModel->sort(FolderColumn::Index, Qt::AscendingOrder);
-    emit updateScanProgress();
-    folderModel->clear();
-    emit updateScanProgress();
-    dataFilesModel->sort(categoryIndexColumn, Qt::AscendingOrder);
-    emit updateScanProgress();
-    dataFilesModel->clear();
-    emit updateScanProgress();
-    biggestFilesModel->clear();
+    tree.reset();
     emit updateScanProgress();
     emit processFinish();
 }

@@ -2,18 +2,19 @@
 
 #include <QThread>
 
-class QStandardItemModel;
+#include <memory>
 
-// Empties the result models away from the GUI thread, which would freeze for
-// the time it takes to delete hundreds of thousands of cells.
+class ScanTree;
+
+// Frees a scan's tree away from the GUI thread, which would otherwise wait
+// for every chunk of a large tree to be given back.
 class DiskUsageClearRamThread : public QThread {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(DiskUsageClearRamThread)
 
 public:
-    DiskUsageClearRamThread(QObject* parent, QStandardItemModel* folderModel,
-                            QStandardItemModel* dataFilesModel,
-                            QStandardItemModel* biggestFilesModel);
+    // The thread holds the last reference it is given; views let go first.
+    DiskUsageClearRamThread(QObject* parent, std::shared_ptr<const ScanTree> tree);
 
 signals:
     void updateScanProgress();
@@ -23,7 +24,5 @@ protected:
     void run() override;
 
 private:
-    QStandardItemModel* folderModel;
-    QStandardItemModel* biggestFilesModel;
-    QStandardItemModel* dataFilesModel;
+    std::shared_ptr<const ScanTree> tree;
 };

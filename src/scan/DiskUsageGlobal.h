@@ -1,7 +1,5 @@
 #pragma once
 
-#include "platform/DirectoryListing.h"
-
 #include <QList>
 #include <QMetaType>
 #include <QString>
@@ -18,6 +16,7 @@ struct TFileInfo {
     quint64 size = 0;
     quint64 lastAccessTime = 0; // FILETIME ticks
     quint64 onDisk = 0;
+    quint32 node = 0; // in the scan's tree
 };
 
 // One file of an enabled file-type category.
@@ -28,22 +27,11 @@ struct TMainDataFile {
     QString filePath; // the folder holding the file, "/"-separated
     qint64 size = 0;
     qint32 index = 0;
-};
-
-// One of a folder's largest children; also how a finished subfolder reports
-// itself to its parent. The name stays as the system gave it until the
-// folder's summary is written, so that a walk makes one string per folder
-// rather than one per file.
-struct TMaxDataItem {
-    enum Kind : qint32 { File = 0, Folder = 1 };
-    platform::NativeString name;
-    qint64 size = 0;
-    qint32 kind = File;
+    quint32 node = 0; // in the scan's tree
 };
 
 constexpr qsizetype biggestFilesLimit = 20;
 constexpr qsizetype dataFilesLimit = 20;
-constexpr qsizetype childSummaryLimit = 10;
 
 inline const QString lowPriority = QStringLiteral("Low Priority");
 inline const QString belowNormalPriority = QStringLiteral("Below Normal Priority");
@@ -74,21 +62,6 @@ inline const QString imageFiles3d = QStringLiteral("3D Image Files");
 [[nodiscard]] QString lastAccessText(quint64 fileTime);
 // "." followed by everything after the first dot of the name; "." without one.
 [[nodiscard]] QString extensionKey(const QString& fileName);
-// name:size:kind; for each entry, then the folder's number of child rows.
-[[nodiscard]] QString childSummary(const QList<TMaxDataItem>& ranked, int childRows);
-
-// One entry of a child summary as the legend shows it.
-struct SummaryEntry {
-    QString name;
-    quint64 size = 0;
-    bool isFolder = false;
-};
-// The entries of a child summary. Names are written unescaped, so a name may
-// hold ":" and ";": of the ways to read the text, the first that makes a
-// whole summary (at most ten entries, largest first, then the row count) is
-// taken. Empty when no way does.
-[[nodiscard]] QList<SummaryEntry> parseChildSummary(const QString& summary);
-
 // Keeps the `limit` largest entries, largest first: a new entry goes before the
 // first strictly smaller one, so ties keep the earlier entry in front. The
 // entry is made only when it will be kept. True when it was kept.

@@ -1,32 +1,28 @@
 #include "DiskUsageWorkerThread.h"
 
-#include "FolderValueCell.h"
-#include "ReportPreparation.h"
 #include "platform/NativeText.h"
 
-#include <QDir>
 #include <QFileInfo>
 #include <QLoggingCategory>
-#include <QStandardItem>
+
+#include <algorithm>
 
 Q_LOGGING_CATEGORY(lcWorker, "tallyroot.scan", QtInfoMsg)
 
 using DiskUsageGlobal::TFileInfo;
 using DiskUsageGlobal::TMainDataFile;
-using DiskUsageGlobal::TMaxDataItem;
-using namespace FolderColumn;
 
 // One folder of the walk, from the moment it is entered until it is finished.
 struct DiskUsageWorkerThread::Frame {
     FolderReadAhead::FolderPtr folder;
+    Index node = 0;
     std::size_t nextEntry = 0;
     std::size_t nextSubfolder = 0;
     int depth = 0;
-    // The row's cells.
-    Cells cells{};
-    Totals totals;
-    QList<TMaxDataItem> summary;
-    QList<TMaxDataItem> finishedSubfolders;
+    quint64 size = 0;
+    quint64 onDisk = 0;
+    quint32 files = 0;
+    quint32 folders = 0;
 };
 
 DiskUsageWorkerThread::DiskUsageWorkerThread(QObject* parent, ScanRequest scanRequest)
@@ -53,8 +49,6 @@ void DiskUsageWorkerThread::run()
     result.categories = request.catalogue;
     matcher.emplace(result.categories);
     result.dataFiles.resize(result.categories.size());
-    ReportPreparation report(result.categories, request.categoryIcons, cancel);
-    report.addCategoryRows();
     sizeFloor = 0;
     linkedFilesSeen.clear();
     for (FileTypeCategory& category : result.categories)
@@ -64,47 +58,38 @@ void DiskUsageWorkerThread::run()
     if (name.isEmpty())
         name = request.folder;
     qCDebug(lcWorker).noquote() << "folderName:" << name;
-    Cells cells{};
-    buildRootRow(name, cells);
+    auto built = std::make_shared<ScanTree>(request.folder, platform::toNative(name));
+    tree = built.get();
+    result.tree = std::move(built);
     {
-        FolderReadAhead readAhead(request.folder, request.readers,
-                                  [this](const QString& path) { return isExcluded(path); });
-        walk(readAhead, cells);
+        FolderReadAhead readAhead(request.folder, request.readers, exclusion());
+        walk(readAhead);
     }
-    report.prepareReport(cells[Name], result.totalSize);
-    result.rootRow = QList<QStandardItem*>(cells.begin(), cells.end());
-    result.categoryRows = report.takeCategoryRows();
     result.itemsScanned = items;
     emit resultReady();
 }
 
-void DiskUsageWorkerThread::buildRootRow(const QString& name, Cells& cells) const
+FolderReadAhead::Exclusion DiskUsageWorkerThread::exclusion() const
 {
-    cells = {new QStandardItem(name),
-             new FolderValueCell(QStringLiteral("Column 2 Text")),
-             new FolderValueCell,
-             new FolderValueCell,
-             new FolderValueCell(QString()),
-             new FolderValueCell(QDir::toNativeSeparators(request.folder)),
-             new FolderValueCell(100.0),
-             new FolderValueCell,
-             new FolderValueCell,
-             new FolderValueCell};
-    if (!request.folderIcon.isNull())
-        cells[Name]->setIcon(iconFor(request.folder));
+    qsizetype reach = 0;
+    for (const ExcludeEntry& entry : request.exclusions)
+        reach = std::max(reach, entry.path.size());
+    if (request.excludeOneDrive)
+        reach = std::max(reach, request.oneDrivePath.size());
+    // Called from the reader threads as well: it reads only the request.
+    return {[this](const QString& path) { return isExcluded(path); }, reach};
 }
 
 // Depth-first, with the open folders on a stack of their own rather than the
 // thread's, so that no tree is too deep to walk.
-void DiskUsageWorkerThread::walk(FolderReadAhead& readAhead, Cells& rootCells)
+void DiskUsageWorkerThread::walk(FolderReadAhead& readAhead)
 {
     std::vector<Frame> stack;
-    stack.push_back(enter(readAhead, readAhead.root(), 0));
+    stack.push_back(enter(readAhead, readAhead.root(), 0, 0));
     // The scanned folder's own listing gives the count of its subfolders.
     const int subfolders = cancelled() ? 0 : int(stack.back().folder->subfolders.size());
     result.totalSubFolders = subfolders + 1;
     emit updateTotalSubFolder(result.totalSubFolders);
-    stack.back().cells = rootCells;
 
     while (!stack.empty()) {
         Frame& top = stack.back();
@@ -114,45 +99,76 @@ void DiskUsageWorkerThread::walk(FolderReadAhead& readAhead, Cells& rootCells)
         }
         Frame done = std::move(top);
         stack.pop_back();
-        readAhead.release(*done.folder);
         finish(done);
+        readAhead.release(*done.folder);
         if (stack.empty()) {
-            rootCells = done.cells;
-            result.totalSize = done.totals.size;
-            result.totalOnDisk = done.totals.onDisk;
-            result.totalFiles = done.totals.files;
-            result.totalFolders = done.totals.folders;
+            result.totalSize = done.size;
+            result.totalOnDisk = done.onDisk;
+            result.totalFiles = done.files;
+            result.totalFolders = done.folders;
             return;
         }
         Frame& parent = stack.back();
-        parent.finishedSubfolders.append(
-            {std::move(done.folder->name), qint64(done.totals.size), TMaxDataItem::Folder});
-        parent.totals.size += done.totals.size;
-        parent.totals.onDisk += done.totals.onDisk;
-        parent.totals.files += done.totals.files;
-        parent.totals.folders += done.totals.folders;
+        parent.size += done.size;
+        parent.onDisk += done.onDisk;
+        parent.files += done.files;
+        parent.folders += done.folders;
     }
 }
 
 DiskUsageWorkerThread::Frame DiskUsageWorkerThread::enter(FolderReadAhead& readAhead,
                                                           FolderReadAhead::FolderPtr folder,
-                                                          int depth)
+                                                          Index node, int depth)
 {
     if (depth == 1) {
-        emit updatePath(folder->path);
+        emit updatePath(tree->path(node));
         emit updateScanProgress();
     }
     readAhead.take(*folder);
-    if (folder->failed)
-        result.unreadable.append(folder->path);
-    if (folder->elsewhere)
-        result.elsewhere.append(folder->path);
+    ScanTree::Node& shown = tree->node(node);
+    if (folder->failed) {
+        shown.flags |= ScanTree::Unreadable;
+        result.unreadable.append(tree->path(node));
+    }
+    if (folder->elsewhere) {
+        shown.flags |= ScanTree::Elsewhere;
+        result.elsewhere.append(tree->path(node));
+    }
+    if (folder->loops)
+        shown.flags |= ScanTree::Loop;
+    addChildren(*folder, node);
     Frame frame;
-    frame.totals.onDisk = folder->allocated;
+    frame.onDisk = folder->allocated;
     frame.folder = std::move(folder);
+    frame.node = node;
     frame.depth = depth;
-    frame.summary.reserve(DiskUsageGlobal::childSummaryLimit + 1);
     return frame;
+}
+
+// Every entry of a folder read becomes a node at once, so that a folder's
+// children stand together; the walk then counts them one by one.
+void DiskUsageWorkerThread::addChildren(const FolderReadAhead::Folder& folder, Index node)
+{
+    const Index first = tree->addChildren(node, Index(folder.entries.size()));
+    std::size_t subfolder = 0;
+    for (std::size_t ordinal = 0; ordinal < folder.entries.size(); ++ordinal) {
+        const FolderReadAhead::Entry& entry = folder.entries[ordinal];
+        const Index child = first + Index(ordinal);
+        tree->setName(child, folder.nameOf(entry));
+        ScanTree::Node& added = tree->node(child);
+        if (!entry.isDirectory) {
+            added.size = entry.size;
+            added.onDisk = entry.allocated;
+            added.lastAccessTime = entry.lastAccessTime;
+            continue;
+        }
+        const FolderReadAhead::Folder& met = *folder.subfolders[subfolder++];
+        added.flags = ScanTree::Folder;
+        if (met.isLink)
+            added.flags |= ScanTree::Link;
+        if (met.excluded)
+            added.flags |= ScanTree::Excluded;
+    }
 }
 
 void DiskUsageWorkerThread::addEntry(FolderReadAhead& readAhead, std::vector<Frame>& stack)
@@ -160,84 +176,76 @@ void DiskUsageWorkerThread::addEntry(FolderReadAhead& readAhead, std::vector<Fra
     itemCount.store(++items, std::memory_order_relaxed);
     emit updateTotalItemScan(items);
     Frame& frame = stack.back();
+    const Index node = tree->node(frame.node).firstChild + Index(frame.nextEntry);
     const FolderReadAhead::Entry& entry = frame.folder->entries[frame.nextEntry++];
     if (!entry.isDirectory) {
-        addFile(frame, entry);
+        addFile(frame, entry, node);
         return;
     }
     FolderReadAhead::FolderPtr child = std::move(frame.folder->subfolders[frame.nextSubfolder++]);
     if (child->excluded) {
         ++result.excludedFolders;
-        if (lcWorker().isDebugEnabled() && !inExcludedOneDrive(child->path))
-            qCDebug(lcWorker).noquote() << "exclude path 1:" << excludingEntry(child->path)->path;
+        if (lcWorker().isDebugEnabled() && !inExcludedOneDrive(tree->path(node)))
+            qCDebug(lcWorker).noquote()
+                << "exclude path 1:" << excludingEntry(tree->path(node))->path;
         return;
     }
-    const Cells cells = appendFolderRow(frame.cells[Name], child->nameText, child->path);
-    ++frame.totals.folders;
-    if (cancelled()) {
-        // A folder met after a cancel keeps its placeholder row.
-        frame.finishedSubfolders.append({child->name, 0, TMaxDataItem::Folder});
-        return;
-    }
-    Frame next = enter(readAhead, std::move(child), frame.depth + 1);
-    next.cells = cells;
+    ++frame.folders;
+    if (cancelled())
+        return; // a folder met after a cancel stays empty
+    Frame next = enter(readAhead, std::move(child), node, frame.depth + 1);
     stack.push_back(std::move(next)); // invalidates `frame`
 }
 
-void DiskUsageWorkerThread::addFile(Frame& frame, const FolderReadAhead::Entry& entry)
+void DiskUsageWorkerThread::addFile(Frame& frame, const FolderReadAhead::Entry& entry, Index node)
 {
-    const platform::NativeStringView name = frame.folder->nameOf(entry);
-    ++frame.totals.files;
-    frame.totals.size += entry.size;
+    ++frame.files;
+    frame.size += entry.size;
     if (entry.linkedFile == 0 || linkedFilesSeen.insert(entry.linkedFile).second)
-        frame.totals.onDisk += entry.allocated;
-    const auto size = static_cast<qint64>(entry.size);
-    DiskUsageGlobal::offerRanked(frame.summary, size, DiskUsageGlobal::childSummaryLimit, [&] {
-        return TMaxDataItem{platform::NativeString(name), size, TMaxDataItem::File};
-    });
+        frame.onDisk += entry.allocated;
 
     QList<TFileInfo>& biggest = result.biggestFiles;
     if (entry.size > sizeFloor) {
         const bool kept = DiskUsageGlobal::offerRanked(
             biggest, entry.size, DiskUsageGlobal::biggestFilesLimit, [&] {
-                const QString path = platform::childPath(
-                    frame.folder->path, platform::toQString(platform::NativeString(name)));
-                return TFileInfo{{}, {}, path, entry.size, entry.lastAccessTime, entry.allocated};
+                return TFileInfo{
+                    {},  {}, tree->path(node), entry.size, entry.lastAccessTime, entry.allocated,
+                    node};
             });
         // The floor rises only when a full list turned a file away, so it can
         // lag behind the 20th entry; the list itself stays right.
         if (!kept && biggest.size() == DiskUsageGlobal::biggestFilesLimit)
             sizeFloor = biggest.constLast().size;
     }
-    addDataFile(frame.folder->path, name, entry);
+    addDataFile(node);
 }
 
-void DiskUsageWorkerThread::addDataFile(const QString& folderPath, platform::NativeStringView name,
-                                        const FolderReadAhead::Entry& entry)
+void DiskUsageWorkerThread::addDataFile(Index file)
 {
-    const CategoryMatcher::Indexes* categories = matcher->match(name);
+    const CategoryMatcher::Indexes* categories = matcher->match(tree->name(file));
     if (!categories)
         return;
-    const auto size = static_cast<qint64>(entry.size);
+    ScanTree::Node& node = tree->node(file);
+    node.category = std::uint8_t(std::min(categories->constFirst(), int(ScanTree::noCategory)));
+    const auto size = static_cast<qint64>(node.size);
     for (int category : *categories) {
         const int index = dataFileIndex++;
         DiskUsageGlobal::offerRanked(
             result.dataFiles[category], size, DiskUsageGlobal::dataFilesLimit, [&] {
-                const QString fileName = platform::toQString(platform::NativeString(name));
-                return TMainDataFile{fileName,
+                return TMainDataFile{tree->nameText(file),
                                      DiskUsageGlobal::sizeText(double(size)),
-                                     DiskUsageGlobal::lastAccessText(entry.lastAccessTime),
-                                     QFileInfo(platform::childPath(folderPath, fileName)).path(),
+                                     DiskUsageGlobal::lastAccessText(node.lastAccessTime),
+                                     QFileInfo(tree->path(file)).path(),
                                      size,
-                                     index};
+                                     index,
+                                     file};
             });
         result.categories[category].totalSize += size;
     }
 }
 
 // Plain string prefixes, compared with case: an excluded D:\Temp also leaves
-// out D:\Temporary. Called from the reader threads as well: it reads only the
-// request.
+// out D:\Temporary.
 bool DiskUsageWorkerThread::isExcluded(const QString& path) const
 {
     return inExcludedOneDrive(path) || excludingEntry(path);
@@ -258,43 +266,15 @@ const ExcludeEntry* DiskUsageWorkerThread::excludingEntry(const QString& path) c
     return nullptr;
 }
 
-DiskUsageWorkerThread::Cells DiskUsageWorkerThread::appendFolderRow(QStandardItem* parent,
-                                                                    const QString& name,
-                                                                    const QString& path) const
-{
-    static const QVariant placeholder = QStringLiteral("Column 2 Text");
-    Cells cells{};
-    cells[Name] = new QStandardItem(iconFor(path), name);
-    for (int column = SizeText; column < Count; ++column)
-        cells[column] = new FolderValueCell;
-    static_cast<FolderValueCell*>(cells[SizeText])->setValue(placeholder);
-    static_cast<FolderValueCell*>(cells[Path])->setValue(path);
-    parent->appendRow(QList<QStandardItem*>(cells.begin(), cells.end()));
-    return cells;
-}
-
-const QIcon& DiskUsageWorkerThread::iconFor(const QString& path) const
-{
-    const QString& oneDrive = request.oneDrivePath;
-    const bool inOneDrive = !oneDrive.isEmpty() && path.startsWith(oneDrive);
-    return inOneDrive ? request.cloudFolderIcon : request.folderIcon;
-}
-
 void DiskUsageWorkerThread::finish(Frame& frame)
 {
-    const auto set = [&frame](int column, QVariant value) {
-        static_cast<FolderValueCell*>(frame.cells[column])->setValue(std::move(value));
-    };
-    set(Size, QVariant::fromValue<qulonglong>(frame.totals.size));
-    set(OnDisk, QVariant::fromValue<qulonglong>(frame.totals.onDisk));
-    set(SizeText, DiskUsageGlobal::sizeText(double(frame.totals.size)));
-    set(Files, int(frame.totals.files));
-    set(Folders, int(frame.totals.folders));
-    set(Index, folderIndex++);
-    for (const TMaxDataItem& subfolder : std::as_const(frame.finishedSubfolders)) {
-        DiskUsageGlobal::offerRanked(frame.summary, subfolder.size,
-                                     DiskUsageGlobal::childSummaryLimit,
-                                     [&subfolder] { return subfolder; });
-    }
-    set(MaxData, DiskUsageGlobal::childSummary(frame.summary, frame.cells[Name]->rowCount()));
+    // A folder left at a cancel keeps only the children counted.
+    if (frame.nextEntry < frame.folder->entries.size())
+        tree->keepChildren(frame.node, Index(frame.nextEntry));
+    ScanTree::Node& node = tree->node(frame.node);
+    node.size = frame.size;
+    node.onDisk = frame.onDisk;
+    node.files = frame.files;
+    node.folders = frame.folders;
+    node.finished = foldersFinished++;
 }

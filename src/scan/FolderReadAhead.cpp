@@ -104,7 +104,7 @@ bool FolderReadAhead::leadsToAncestor(const Ancestry& folder, bool isLink)
     const auto identityOf = [isLink](const Ancestry& ancestry) {
         return ancestry.identity || !isLink
                    ? ancestry.identity
-                   : platform::DirectoryListing::identityOf(platform::toNative(ancestry.path));
+                   : platform::DirectoryListing::identityOf(platform::toNative(pathOf(ancestry)));
     };
     const std::optional<platform::FolderIdentity> identity = identityOf(folder);
     if (!identity)
@@ -114,6 +114,18 @@ bool FolderReadAhead::leadsToAncestor(const Ancestry& folder, bool isLink)
             return true;
     }
     return false;
+}
+
+QString FolderReadAhead::pathOf(const Ancestry& folder)
+{
+    std::vector<const Ancestry*> chain;
+    const Ancestry* root = &folder;
+    for (; root->parent; root = root->parent.get())
+        chain.push_back(root);
+    QString path = root->rootPath;
+    for (auto step = chain.rbegin(); step != chain.rend(); ++step)
+        path = platform::childPath(path, platform::toQString((*step)->name));
+    return path;
 }
 
 // From the nearest folder above whose listing is still open, or else from the
@@ -126,7 +138,7 @@ platform::DirectoryListing FolderReadAhead::reopen(const Folder& folder)
         if (open || !above->parent) {
             std::reverse(names.begin(), names.end());
             return open ? open->openDescendant(names)
-                        : platform::DirectoryListing::open(platform::toNative(above->path))
+                        : platform::DirectoryListing::open(platform::toNative(above->rootPath))
                               .openDescendant(names);
         }
         names.push_back(above->name);
@@ -147,13 +159,38 @@ std::shared_ptr<platform::DirectoryListing> FolderReadAhead::open(Folder& folder
             }};
 }
 
+// A path is made only while an exclusion could still begin it: once a folder's
+// path is as long as the longest exclusion, a prefix of a path below it is a
+// prefix of its own, and that can hold only for the scanned folder.
+void FolderReadAhead::addSubfolder(Folder& folder, const platform::NativeString& name, bool isLink,
+                                   const std::shared_ptr<platform::DirectoryListing>& listing,
+                                   const std::shared_ptr<const Ancestry>& ancestry)
+{
+    auto child = std::make_shared<Folder>();
+    child->name = name;
+    child->isLink = isLink;
+    if (!folder.path.isEmpty() && folder.path.size() < excluded.reach) {
+        child->path = platform::childPath(folder.path, platform::toQString(name));
+        child->excluded = excluded.excludes(child->path);
+    } else if (!folder.path.isEmpty() && excluded.reach > 0) {
+        child->excluded = excluded.excludes(folder.path);
+    }
+    if (!child->excluded) {
+        child->parentListing = listing;
+        child->parentAncestry = ancestry;
+    }
+    folder.bytes += sizeof(Folder) + name.size() + std::size_t(child->path.size()) * 2;
+    folder.subfolders.push_back(std::move(child));
+}
+
 void FolderReadAhead::read(Folder& folder)
 {
     const std::shared_ptr<platform::DirectoryListing> listing = open(folder);
     const std::size_t depth = folder.parentAncestry ? folder.parentAncestry->depth + 1 : 0;
-    auto ancestry = std::make_shared<const Ancestry>(Ancestry{listing->identity(), folder.path,
-                                                              folder.name, listing, depth,
-                                                              std::move(folder.parentAncestry)});
+    const bool isRoot = !folder.parentAncestry;
+    auto ancestry = std::make_shared<const Ancestry>(
+        Ancestry{listing->identity(), isRoot ? folder.path : QString(), folder.name, listing, depth,
+                 std::move(folder.parentAncestry)});
     // Past half the limit only every sixteenth level keeps its listing open
     // for its subfolders: a folder far below opens from the nearest one kept.
     const std::size_t openNow = listingsOpen->load();
@@ -173,21 +210,9 @@ void FolderReadAhead::read(Folder& folder)
                                   static_cast<std::uint32_t>(entry.name.size()),
                                   entry.isDirectory});
         folder.names += entry.name;
-        if (!entry.isDirectory)
-            continue;
-        auto child = std::make_shared<Folder>();
-        child->name = entry.name;
-        child->nameText = platform::toQString(entry.name);
-        child->path = platform::childPath(folder.path, child->nameText);
-        child->excluded = excluded && excluded(child->path);
-        child->isLink = entry.isLink;
-        if (!child->excluded) {
-            if (shareListing)
-                child->parentListing = listing;
-            child->parentAncestry = ancestry;
-        }
-        folder.bytes += sizeof(Folder) + std::size_t(child->path.size()) * 4;
-        folder.subfolders.push_back(std::move(child));
+        if (entry.isDirectory)
+            addSubfolder(folder, entry.name, entry.isLink, shareListing ? listing : nullptr,
+                         ancestry);
     }
     folder.failed = listing->failed();
     folder.bytes += folder.entries.capacity() * sizeof(Entry) + folder.names.capacity();

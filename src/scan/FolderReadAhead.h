@@ -34,18 +34,19 @@ public:
     // A folder and the folders above it, as far as loops are concerned.
     struct Ancestry {
         std::optional<platform::FolderIdentity> identity;
-        QString path;
+        QString rootPath;            // only the scanned folder's
         platform::NativeString name; // none for the scanned folder
         std::weak_ptr<platform::DirectoryListing> listing;
         std::size_t depth = 0;
         std::shared_ptr<const Ancestry> parent;
     };
 
-    // One folder of the tree. Its path and name are set when its parent is
-    // read; the rest when it is read itself.
+    // One folder of the tree. Its name is set when its parent is read; the
+    // rest when it is read itself.
     struct Folder {
         platform::NativeString name;
-        QString nameText;
+        // Kept only while an exclusion could still match below it (always for
+        // the scanned folder): no full path per folder otherwise.
         QString path;
         bool excluded = false; // never read, never entered
         bool isLink = false;
@@ -76,8 +77,13 @@ public:
         std::size_t bytes = 0;
     };
     using FolderPtr = std::shared_ptr<Folder>;
-    // Whether a folder, by its full path, is left out of the walk.
-    using Exclusion = std::function<bool(const QString& path)>;
+    // Which folders, by their full paths, are left out of the walk: those
+    // whose path begins with one of a few prefixes, none of them `reach` or
+    // more long, so that no path that long need be made for it.
+    struct Exclusion {
+        std::function<bool(const QString& path)> excludes;
+        qsizetype reach = 0;
+    };
 
     // readers: threads that read ahead; 1 or less reads only on the walk's thread.
     FolderReadAhead(const QString& root, int readers, Exclusion excluded);
@@ -99,6 +105,10 @@ private:
     [[nodiscard]] std::shared_ptr<platform::DirectoryListing> open(Folder& folder) const;
     [[nodiscard]] static platform::DirectoryListing reopen(const Folder& folder);
     [[nodiscard]] static bool leadsToAncestor(const Ancestry& folder, bool isLink);
+    [[nodiscard]] static QString pathOf(const Ancestry& folder);
+    void addSubfolder(Folder& folder, const platform::NativeString& name, bool isLink,
+                      const std::shared_ptr<platform::DirectoryListing>& listing,
+                      const std::shared_ptr<const Ancestry>& ancestry);
     [[nodiscard]] bool roomToRead() const;
 
     Exclusion excluded;

@@ -1,23 +1,17 @@
 #include "ScanJsonWriter.h"
 
-#include "scan/FolderColumn.h"
+#include "platform/NativeText.h"
 
+#include <QDir>
 #include <QIODevice>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QStandardItem>
+#include <QLocale>
 
 #include <vector>
 
 namespace {
-
-using namespace FolderColumn;
-
-QByteArray compact(const QJsonObject& object)
-{
-    return QJsonDocument(object).toJson(QJsonDocument::Compact);
-}
 
 QByteArray compact(const QJsonArray& array)
 {
@@ -31,37 +25,90 @@ QByteArray compact(const QJsonValue& value)
     return array.mid(1, array.size() - 2);
 }
 
-// The cells of one folder row, wherever the row stands.
-struct FolderRow {
-    const QStandardItem* parent; // null for the root row
-    int row;
-    int depth;
-};
-
-QVariant cellData(const ScanResult& result, const FolderRow& folder, int column)
+char hexDigit(unsigned value)
 {
-    const QStandardItem* cell =
-        folder.parent ? folder.parent->child(folder.row, column) : result.rootRow.value(column);
-    return cell ? cell->data(Qt::DisplayRole) : QVariant();
+    return "0123456789abcdef"[value & 0xf];
 }
 
-QJsonObject folderObject(const ScanResult& result, const FolderRow& folder)
+void appendEscape(QByteArray& out, char16_t unit)
 {
-    const auto data = [&](int column) { return cellData(result, folder, column); };
-    return {{"depth", folder.depth},
-            {"name", data(Name).toString()},
-            {"sizeText", data(SizeText).toString()},
-            {"files", data(Files).toInt()},
-            {"folders", data(Folders).toInt()},
-            {"size", data(Size).toLongLong()},
-            {"onDisk", data(OnDisk).toLongLong()},
-            {"path", data(Path).toString()},
-            {"percentage", data(Percentage).toDouble()},
-            {"maxData", data(MaxData).toString()},
-            {"index", data(Index).toInt()}};
+    out += "\\u";
+    for (int shift = 12; shift >= 0; shift -= 4)
+        out += hexDigit(unit >> shift);
+}
+
+void appendUtf8(QByteArray& out, char32_t code)
+{
+    if (code < 0x800) {
+        out += char(0xc0 | (code >> 6));
+    } else if (code < 0x10000) {
+        out += char(0xe0 | (code >> 12));
+        out += char(0x80 | ((code >> 6) & 0x3f));
+    } else {
+        out += char(0xf0 | (code >> 18));
+        out += char(0x80 | ((code >> 12) & 0x3f));
+        out += char(0x80 | ((code >> 6) & 0x3f));
+    }
+    out += char(0x80 | (code & 0x3f));
 }
 
 } // namespace
+
+// As Qt's JSON writer quotes a string, byte for byte, so that the output stays
+// the same as a QJsonDocument of the same values: control characters escaped,
+// the rest as UTF-8, and a surrogate without its pair as \u escape.
+void ScanJsonWriter::appendString(QByteArray& out, QStringView text)
+{
+    out += '"';
+    const char16_t* unit = text.utf16();
+    const char16_t* const end = unit + text.size();
+    for (; unit != end; ++unit) {
+        const char16_t code = *unit;
+        if (code >= 0x20 && code < 0x80 && code != '"' && code != '\\') {
+            out += char(code);
+            continue;
+        }
+        switch (code) {
+        case '"':
+            out += "\\\"";
+            continue;
+        case '\\':
+            out += "\\\\";
+            continue;
+        case '\b':
+            out += "\\b";
+            continue;
+        case '\f':
+            out += "\\f";
+            continue;
+        case '\n':
+            out += "\\n";
+            continue;
+        case '\r':
+            out += "\\r";
+            continue;
+        case '\t':
+            out += "\\t";
+            continue;
+        default:
+            break;
+        }
+        if (code < 0x20) {
+            out += "\\u00";
+            out += hexDigit(code >> 4);
+            out += hexDigit(code);
+        } else if (QChar::isHighSurrogate(code) && unit + 1 != end &&
+                   QChar::isLowSurrogate(unit[1])) {
+            appendUtf8(out, QChar::surrogateToUcs4(code, unit[1]));
+            ++unit;
+        } else if (QChar::isSurrogate(code)) {
+            appendEscape(out, code);
+        } else {
+            appendUtf8(out, code);
+        }
+    }
+    out += '"';
+}
 
 ScanJsonWriter::ScanJsonWriter(const QString& scanPath, const ScanResult& result)
     : scanPath(scanPath)
@@ -81,28 +128,71 @@ bool ScanJsonWriter::write(QIODevice& device) const
     return written && device.write(rest) >= 0;
 }
 
-// Pre-order, children in the order the walk appended them, one object at a time.
+// One folder's object, its keys in alphabetical order.
+void ScanJsonWriter::appendFolder(QByteArray& out, ScanTree::Index folder, int depth,
+                                  QStringView path) const
+{
+    const ScanTree& tree = *result.tree;
+    const ScanTree::Node& node = tree.node(folder);
+    out += "{\"depth\":" + QByteArray::number(depth);
+    out += ",\"files\":" + QByteArray::number(int(node.files));
+    out += ",\"folders\":" + QByteArray::number(int(node.folders));
+    out += ",\"index\":" + QByteArray::number(int(node.finished));
+    out += ",\"maxData\":";
+    appendString(out, tree.childSummary(folder));
+    out += ",\"name\":";
+    appendString(out, tree.nameText(folder));
+    out += ",\"onDisk\":" + QByteArray::number(qint64(node.onDisk));
+    out += ",\"path\":";
+    appendString(out, path);
+    out += ",\"percentage\":" +
+           QByteArray::number(tree.percentage(folder), 'g', QLocale::FloatingPointShortest);
+    out += ",\"size\":" + QByteArray::number(qint64(node.size));
+    out += ",\"sizeText\":";
+    appendString(out, DiskUsageGlobal::sizeText(double(node.size)));
+    out += '}';
+}
+
+// Pre-order, children in listing order. The path grows and shrinks with the
+// walk, so a deep tree costs no more than its output.
 bool ScanJsonWriter::writeFolders(QIODevice& device) const
 {
-    if (device.write("[") < 0)
-        return false;
-    std::vector<FolderRow> pending;
-    if (!result.rootRow.isEmpty())
-        pending.push_back({nullptr, 0, 0});
-    bool first = true;
-    while (!pending.empty()) {
-        const FolderRow next = pending.back();
-        pending.pop_back();
-        const QByteArray object = compact(folderObject(result, next));
-        if (device.write(first ? object : "," + object) < 0)
-            return false;
-        first = false;
-        const QStandardItem* folder =
-            next.parent ? next.parent->child(next.row) : result.rootRow.constFirst();
-        for (int row = folder->rowCount() - 1; row >= 0; --row)
-            pending.push_back({folder, row, next.depth + 1});
+    constexpr qsizetype flushAt = 1 << 20;
+    QByteArray out = "[";
+    if (result.tree) {
+        const ScanTree& tree = *result.tree;
+        struct Pending {
+            ScanTree::Index folder;
+            int depth;
+        };
+        std::vector<Pending> pending{{0, 0}};
+        std::vector<qsizetype> pathEnds; // the path's length at each depth
+        QString path = tree.rootPath();
+        while (!pending.empty()) {
+            const Pending next = pending.back();
+            pending.pop_back();
+            if (next.depth == 0) {
+                appendFolder(out, 0, 0, QDir::toNativeSeparators(path));
+            } else {
+                path.truncate(pathEnds[std::size_t(next.depth - 1)]);
+                path = platform::childPath(path, tree.nameText(next.folder));
+                out += ',';
+                appendFolder(out, next.folder, next.depth, path);
+            }
+            pathEnds.resize(std::size_t(next.depth) + 1);
+            pathEnds.back() = path.size();
+            const std::vector<ScanTree::Index> children = tree.shownSubfolders(next.folder);
+            for (auto child = children.rbegin(); child != children.rend(); ++child)
+                pending.push_back({*child, next.depth + 1});
+            if (out.size() >= flushAt) {
+                if (device.write(out) < 0)
+                    return false;
+                out.clear();
+            }
+        }
     }
-    return device.write("]") >= 0;
+    out += ']';
+    return device.write(out) >= 0;
 }
 
 QByteArray ScanJsonWriter::biggestFiles() const
@@ -131,17 +221,15 @@ QByteArray ScanJsonWriter::categories() const
                                      {"size", file.size},
                                      {"index", file.index}});
         }
-        const QList<QStandardItem*> row = result.categoryRows.value(index);
-        const QStandardItem* sizeText = row.value(1);
-        const QStandardItem* mebibytes = row.value(4);
-        const bool shown = category.checked && sizeText && mebibytes;
+        const bool shown = category.checked;
+        const double mebibytes = double(category.totalSize) * 9.5367431640625e-7;
         categories.append(QJsonObject{
             {"name", category.name},
             {"checked", category.checked},
             {"total", category.totalSize},
-            {"sizeText", shown ? QJsonValue(sizeText->text()) : QJsonValue()},
-            {"mebibytes",
-             shown ? QJsonValue(mebibytes->data(Qt::DisplayRole).toDouble()) : QJsonValue()},
+            {"sizeText", shown ? QJsonValue(DiskUsageGlobal::sizeText(double(category.totalSize)))
+                               : QJsonValue()},
+            {"mebibytes", shown ? QJsonValue(mebibytes) : QJsonValue()},
             {"files", files}});
     }
     return compact(categories);

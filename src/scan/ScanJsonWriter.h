@@ -1,16 +1,14 @@
 #pragma once
 
-#include "scan/ScanResult.h"
+#include "ScanResult.h"
 
 #include <QString>
 
 class QIODevice;
-class QJsonObject;
-class QStandardItem;
 
 // The whole result of a scan as one JSON object, written as it goes rather
 // than built in memory: the biggest files, the categories with their files,
-// the folder rows in pre-order, the counts and the folders that could not be
+// the folders in pre-order, the counts and the folders that could not be
 // read. Keys stand in alphabetical order at every level.
 class ScanJsonWriter {
 public:
@@ -19,10 +17,14 @@ public:
     // False when the device would not take it all.
     bool write(QIODevice& device) const;
 
+    // A JSON string, quoted and escaped as QJsonDocument writes it.
+    static void appendString(QByteArray& out, QStringView text);
+
 private:
     [[nodiscard]] QByteArray biggestFiles() const;
     [[nodiscard]] QByteArray categories() const;
     bool writeFolders(QIODevice& device) const;
+    void appendFolder(QByteArray& out, ScanTree::Index folder, int depth, QStringView path) const;
 
     QString scanPath;
     const ScanResult& result;

@@ -22,13 +22,6 @@ ScanRequest ScanRequest::fromSettings(const QString& folder)
     return request;
 }
 
-void ScanRequest::setShownIcons(const QIcon& desktopFolderIcon)
-{
-    folderIcon = desktopFolderIcon;
-    cloudFolderIcon = QIcon(QStringLiteral(":/resources/images/genericCloudFolder.png"));
-    categoryIcons = true;
-}
-
 // Readers wait on the disk more than they use a core when the cache is cold,
 // so there are more of them than cores.
 int ScanRequest::defaultReaders()

@@ -3,7 +3,6 @@
 #include "settings/ExcludeEntry.h"
 #include "settings/FileTypeCategory.h"
 
-#include <QIcon>
 #include <QList>
 #include <QString>
 
@@ -17,16 +16,9 @@ struct ScanRequest {
     QList<FileTypeCategory> catalogue;
     // Threads that read folders ahead of the walk; 1 reads on the walk's own thread.
     int readers = defaultReaders();
-    // The icons the rows carry; none unless set.
-    QIcon folderIcon;
-    QIcon cloudFolderIcon;
-    bool categoryIcons = false;
 
     // The folder with the settings as they stand in memory now.
     [[nodiscard]] static ScanRequest fromSettings(const QString& folder);
-    // The icons the results screen shows, with the desktop's folder icon.
-    // Needs a GUI application.
-    void setShownIcons(const QIcon& desktopFolderIcon);
     // Twice as many readers as cores, from 4 to 16.
     [[nodiscard]] static int defaultReaders();
 };

@@ -1,14 +1,15 @@
 #pragma once
 
 #include "DiskUsageGlobal.h"
+#include "ScanTree.h"
 #include "settings/FileTypeCategory.h"
 
 #include <QList>
 #include <QStringList>
 
-class QStandardItem;
+#include <memory>
 
-// What one scan hands back besides its rows: plain values, moved as they are.
+// What one scan hands back besides its tree: plain values, moved as they are.
 struct ScanFigures {
     // The catalogue the scan sorted by, each category with its total.
     QList<FileTypeCategory> categories;
@@ -25,20 +26,9 @@ struct ScanFigures {
     int excludedFolders = 0;  // left out by the exclusions, OneDrive's included
 };
 
-// What one scan hands back. It owns its rows until they are put into models;
-// rows still held when it is destroyed are deleted with it.
+// What one scan hands back. The tree is shared, read-only, by the views that
+// show it; it goes when the last of them lets go.
 struct ScanResult : ScanFigures {
-    ScanResult() = default;
-    ~ScanResult();
-    ScanResult(ScanResult&& other) noexcept;
-    ScanResult& operator=(ScanResult&& other) noexcept;
-    ScanResult(const ScanResult&) = delete;
-    ScanResult& operator=(const ScanResult&) = delete;
-
-    // The scanned folder's cells; every other folder row hangs below the
-    // first. Empty only when the scan never started.
-    QList<QStandardItem*> rootRow;
-    // One row per category in catalogue order; a disabled category's row has
-    // no name cell, so that later categories keep their row numbers.
-    QList<QList<QStandardItem*>> categoryRows;
+    // Every folder and file met; null only when the scan never started.
+    std::shared_ptr<const ScanTree> tree;
 };

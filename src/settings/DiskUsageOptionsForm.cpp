@@ -16,6 +16,31 @@ Q_LOGGING_CATEGORY(lcOptions, "tallyroot.options", QtInfoMsg)
 
 namespace {
 
+// The icon of a built-in category, found by its name in any case; none for
+// other names.
+QIcon categoryIcon(const QString& name)
+{
+    static const std::pair<const char*, const char*> icons[] = {
+        {"Raster Image Files", "RasterImage16"},
+        {"3D Image Files", "3dImages16"},
+        {"Audio Files", "Audio16"},
+        {"Backup Files", "Backup16"},
+        {"Compressed Files", "CompressedFiles16"},
+        {"Disk Image Files", "DiskImage16"},
+        {"Document Files", "Document16"},
+        {"Font Files", "Font16"},
+        {"Installer and Executable Files", "Install16"},
+        {"Vector Image Files", "VectorImage16"},
+        {"Video Files", "Video16"},
+        {"Web Files", "WebFile16"},
+    };
+    for (const auto& [category, icon] : icons) {
+        if (name.compare(QLatin1String(category), Qt::CaseInsensitive) == 0)
+            return QIcon(QStringLiteral(":/resources/images/%1.png").arg(QLatin1String(icon)));
+    }
+    return {};
+}
+
 bool isChecked(const QTreeWidgetItem* item)
 {
     return item->checkState(0) == Qt::Checked;
@@ -80,9 +105,9 @@ void DiskUsageOptionsForm::showFileTypes(const QList<FileTypeCategory>& catalogu
 {
     ui->treeWidget->clear();
     for (const FileTypeCategory& category : catalogue) {
-        ui->treeWidget->addTopLevelItem(
-            checkableItem(FileTypeCatalogue::displayText(category), category.checked,
-                          FileTypeCatalogue::categoryIcon(category.name)));
+        ui->treeWidget->addTopLevelItem(checkableItem(FileTypeCatalogue::displayText(category),
+                                                      category.checked,
+                                                      categoryIcon(category.name)));
     }
 }
 

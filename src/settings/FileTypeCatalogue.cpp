@@ -98,27 +98,4 @@ QString storedText(const FileTypeCategory& category)
     return (category.checked ? "1;" : "0;") + displayText(category);
 }
 
-QIcon categoryIcon(const QString& name)
-{
-    static const std::pair<const char*, const char*> icons[] = {
-        {"Raster Image Files", "RasterImage16"},
-        {"3D Image Files", "3dImages16"},
-        {"Audio Files", "Audio16"},
-        {"Backup Files", "Backup16"},
-        {"Compressed Files", "CompressedFiles16"},
-        {"Disk Image Files", "DiskImage16"},
-        {"Document Files", "Document16"},
-        {"Font Files", "Font16"},
-        {"Installer and Executable Files", "Install16"},
-        {"Vector Image Files", "VectorImage16"},
-        {"Video Files", "Video16"},
-        {"Web Files", "WebFile16"},
-    };
-    for (const auto& [category, icon] : icons) {
-        if (name.compare(QLatin1String(category), Qt::CaseInsensitive) == 0)
-            return QIcon(QStringLiteral(":/resources/images/%1.png").arg(QLatin1String(icon)));
-    }
-    return {};
-}
-
 } // namespace FileTypeCatalogue

@@ -2,7 +2,6 @@
 
 #include "FileTypeCategory.h"
 
-#include <QIcon>
 #include <QList>
 
 // The process-wide ordered list of file-type categories: loaded from the
@@ -23,8 +22,5 @@ void appendStored(const QString& text, QList<FileTypeCategory>& catalogue);
 [[nodiscard]] QString displayText(const FileTypeCategory& category);
 // "1;" or "0;" followed by the display text.
 [[nodiscard]] QString storedText(const FileTypeCategory& category);
-// The icon of a built-in category, found by its name in any case; none for
-// other names.
-[[nodiscard]] QIcon categoryIcon(const QString& name);
 
 } // namespace FileTypeCatalogue

@@ -2,12 +2,18 @@
 #include "platform/NativeText.h"
 #include "scan/CategoryMatcher.h"
 #include "scan/DiskUsageGlobal.h"
+#include "scan/ScanJsonWriter.h"
+#include "scan/ScanTree.h"
 #include "scan/VolumeReconciliation.h"
 #include "settings/ExclusionSettings.h"
 #include "settings/FileTypeCatalogue.h"
 #include "settings/SettingsStore.h"
 
+#include <QJsonArray>
+#include <QJsonDocument>
 #include <QtTest>
+
+#include <random>
 
 using namespace DiskUsageGlobal;
 
@@ -22,7 +28,8 @@ private slots:
     void extensionKeyIsTheCompleteSuffix();
     void rankedInsertionKeepsTheLargest();
     void rankedInsertionMakesOnlyWhatItKeeps();
-    void childSummaryIsNotEscapedYetReadsBack();
+    void aTreeKeepsItsLargestChildrenAsData();
+    void jsonStringsAreWrittenAsQtWritesThem();
     void matcher_data();
     void matcher();
     void matcherCountsACategoryOnce();
@@ -77,11 +84,9 @@ void TestScanRecords::extensionKeyIsTheCompleteSuffix()
 
 void TestScanRecords::rankedInsertionKeepsTheLargest()
 {
-    QList<TMaxDataItem> list;
-    const auto offer = [&list](const QString& name, qint64 size) {
-        return offerRanked(list, size, 3, [&] {
-            return TMaxDataItem{platform::toNative(name), size};
-        });
+    QList<TFileInfo> list;
+    const auto offer = [&list](const QString& name, quint64 size) {
+        return offerRanked(list, size, 3, [&] { return TFileInfo{{}, {}, name, size}; });
     };
     QVERIFY(offer("a", 5));
     QVERIFY(offer("b", 9));
@@ -90,7 +95,7 @@ void TestScanRecords::rankedInsertionKeepsTheLargest()
     QVERIFY(offer("e", 7));
     QStringList names;
     for (const auto& item : list)
-        names << platform::toQString(item.name);
+        names << item.filePath;
     QCOMPARE(names, (QStringList{"b", "e", "a"}));
 
     QList<TFileInfo> files;
@@ -106,45 +111,98 @@ void TestScanRecords::rankedInsertionKeepsTheLargest()
 
 void TestScanRecords::rankedInsertionMakesOnlyWhatItKeeps()
 {
-    QList<TMaxDataItem> list;
+    QList<TFileInfo> list;
     int made = 0;
-    for (qint64 size : {1, 2, 3, 1, 1})
-        offerRanked(list, size, 2, [&] { return ++made, TMaxDataItem{{}, size}; });
+    for (quint64 size : {1, 2, 3, 1, 1})
+        offerRanked(list, size, 2, [&] { return ++made, TFileInfo{{}, {}, {}, size}; });
     QCOMPARE(made, 3);
 }
 
-void TestScanRecords::childSummaryIsNotEscapedYetReadsBack()
-{
-    const auto item = [](const char* name, qint64 size, qint32 kind) {
-        return TMaxDataItem{platform::toNative(QString::fromUtf8(name)), size, kind};
-    };
-    const QList<TMaxDataItem> ranked{
-        item("a.iso", 5000, TMaxDataItem::File), item("Music", 3000, TMaxDataItem::Folder),
-        item("odd:name;x", 7, TMaxDataItem::File), item("\u00dcbung", 6, TMaxDataItem::File)};
-    const QString summary = childSummary(ranked, 1);
-    QCOMPARE(summary,
-             QString::fromUtf8("a.iso:5000:0;Music:3000:1;odd:name;x:7:0;\u00dcbung:6:0;1"));
-    QCOMPARE(childSummary({}, 0), QStringLiteral("0"));
-    QVERIFY(parseChildSummary(QStringLiteral("0")).isEmpty());
+namespace {
 
-    const auto names = [](const QList<SummaryEntry>& entries) {
-        QStringList result;
-        for (const SummaryEntry& entry : entries)
-            result << QStringLiteral("%1=%2%3")
-                          .arg(entry.name)
-                          .arg(entry.size)
-                          .arg(entry.isFolder ? "/" : "");
-        return result;
-    };
-    QCOMPARE(names(parseChildSummary(summary)),
-             QStringList({"a.iso=5000", "Music=3000/", "odd:name;x=7", "\u00dcbung=6"}));
-    // Names that look like a whole entry, or like sizes: read as the ranking allows.
-    QCOMPARE(
-        names(parseChildSummary(childSummary(
-            {item("ratio: 16", 900, TMaxDataItem::File), item("x:1:0;y", 500, TMaxDataItem::File),
-             item("12", 40, TMaxDataItem::Folder), item(";", 3, TMaxDataItem::File)},
-            1))),
-        QStringList({"ratio: 16=900", "x:1:0;y=500", "12=40/", ";=3"}));
+// A folder of the given children, each a file (false) or folder (true).
+ScanTree::Index addChildren(ScanTree& tree, ScanTree::Index folder,
+                            const QList<std::tuple<QString, quint64, bool>>& children)
+{
+    const ScanTree::Index first = tree.addChildren(folder, ScanTree::Index(children.size()));
+    for (int child = 0; child < children.size(); ++child) {
+        const auto& [name, size, isFolder] = children[child];
+        const ScanTree::Index node = first + ScanTree::Index(child);
+        tree.setName(node, platform::toNative(name));
+        tree.node(node).size = size;
+        tree.node(node).flags = isFolder ? ScanTree::Folder : 0;
+        tree.node(folder).size += size;
+    }
+    return first;
+}
+
+} // namespace
+
+// The legend, the map and the JSON read a folder's largest children from the
+// tree, never from text: a name may hold anything a summary is made of.
+void TestScanRecords::aTreeKeepsItsLargestChildrenAsData()
+{
+    ScanTree tree(QStringLiteral("/scan"), "scan");
+    const QString trap = "a" + QString(":0:0;a").repeated(50);
+    const ScanTree::Index first = addChildren(tree, 0,
+                                              {{"Music", 3000, true},
+                                               {"a.iso", 5000, false},
+                                               {"odd:name;x", 3000, false},
+                                               {"x:999999999999:1;y", 5000, false},
+                                               {trap, 9000, false},
+                                               {"gone", 0, true}});
+    tree.node(first + 5).flags |= ScanTree::Excluded;
+    addChildren(tree, first, {{"inner", 0, true}});
+    tree.node(first).size = 3000;
+
+    std::vector<QString> names;
+    for (ScanTree::Index child : tree.largestChildren(0, 10))
+        names.push_back(tree.nameText(child));
+    // Ties: files before folders, each in listing order; the excluded one nowhere.
+    QCOMPARE(names,
+             (std::vector<QString>{trap, "a.iso", "x:999999999999:1;y", "odd:name;x", "Music"}));
+    QVERIFY(!tree.node(tree.largestChildren(0, 10)[2]).isFolder());
+    QCOMPARE(tree.largestChildren(0, 2).size(), std::size_t(2));
+    QCOMPARE(tree.shownSubfolders(0), std::vector<ScanTree::Index>{first});
+    QCOMPARE(tree.childSummary(first), QStringLiteral("inner:0:1;1"));
+    QCOMPARE(tree.childSummary(0),
+             trap + ":9000:0;a.iso:5000:0;x:999999999999:1;y:5000:0;odd:name;x:3000:0;"
+                    "Music:3000:1;1");
+    QCOMPARE(tree.path(first + 1), platform::childPath("/scan", "a.iso"));
+    QCOMPARE(tree.percentage(first + 2), 12.0); // 3000 of 25000
+    QCOMPARE(tree.percentage(first + 4), 36.0);
+    QCOMPARE(tree.percentage(0), 100.0);
+}
+
+void TestScanRecords::jsonStringsAreWrittenAsQtWritesThem()
+{
+    QStringList texts{"",
+                      "plain",
+                      "quote\" and \\ back",
+                      "tab\tnew\nline\r\b\f",
+                      QString(QChar(1)) + QChar(0x1f) + QChar(0x7f),
+                      "\u00fcber \u65e5\u672c",
+                      QString::fromUcs4(U"\U0001F600 emoji")};
+    // A lone surrogate: how a Linux name that is not UTF-8 is held.
+    texts << QString(QChar(0xdcff)) + "x" << QString(QChar(0xd83d)) + "y" + QChar(0xd83d);
+    std::mt19937 random(11);
+    for (int text = 0; text < 200; ++text) {
+        QString mixed;
+        for (int unit = 0; unit < 12; ++unit) {
+            const int pick = int(random() % 4);
+            mixed += QChar(char16_t(pick == 0   ? random() % 0x80
+                                    : pick == 1 ? 0xd800 + random() % 0x800
+                                    : pick == 2 ? 0x80 + random() % 0x780
+                                                : random() % 0x10000));
+        }
+        texts << mixed;
+    }
+    for (const QString& text : texts) {
+        QByteArray ours;
+        ScanJsonWriter::appendString(ours, text);
+        const QByteArray qt = QJsonDocument(QJsonArray{text}).toJson(QJsonDocument::Compact);
+        QCOMPARE(ours, qt.mid(1, qt.size() - 2));
+    }
 }
 
 void TestScanRecords::matcher_data()

@@ -1,6 +1,8 @@
 #include "IsolatedSettings.h"
 #include "platform/NativeText.h"
-#include "platform/Shell.h"
+#include "results/CategoryModel.h"
+#include "results/FolderColumn.h"
+#include "results/FolderTreeModel.h"
 #include "scan/DiskUsageClearRamThread.h"
 #include "scan/DiskUsageWorkerThread.h"
 #include "scan/ScanJsonWriter.h"
@@ -9,7 +11,6 @@
 
 #include <QBuffer>
 #include <QDir>
-#include <QStandardItemModel>
 #include <QtTest>
 
 #include <filesystem>
@@ -21,11 +22,11 @@ namespace {
 
 using namespace FolderColumn;
 
-// One scan of a folder, with everything it produced and signalled; the rows
-// put into models as the results screen does.
+// One scan of a folder, with everything it produced and signalled; the tree
+// shown by the models the results screen shows it by.
 struct ScanRun {
-    QStandardItemModel folderModel;
-    QStandardItemModel dataFilesModel;
+    FolderTreeModel folderModel;
+    CategoryModel dataFilesModel;
     ScanResult result;
     QByteArray json; // the whole result as tallyroot-scan writes it
     QList<TFileInfo> biggest;
@@ -45,7 +46,7 @@ struct ScanRun {
     {
         ScanRequest request = ScanRequest::fromSettings(path);
         request.readers = readers;
-        request.setShownIcons(platform::folderIcon());
+        const QString oneDrive = request.oneDrivePath;
         DiskUsageWorkerThread worker(nullptr, std::move(request));
         const auto direct = Qt::DirectConnection;
         QObject::connect(
@@ -79,31 +80,38 @@ struct ScanRun {
         QBuffer buffer(&json);
         buffer.open(QIODevice::WriteOnly);
         ScanJsonWriter(path, result).write(buffer);
-        folderModel.appendRow(std::exchange(result.rootRow, {}));
-        for (QList<QStandardItem*>& row : result.categoryRows)
-            dataFilesModel.appendRow(std::exchange(row, {}));
+        folderModel.setTree(result.tree, oneDrive);
+        dataFilesModel.setCategories(result.categories);
         biggest = result.biggestFiles;
         dataFiles = result.dataFiles;
     }
 
-    [[nodiscard]] QStandardItem* root() const { return folderModel.item(0); }
+    [[nodiscard]] QModelIndex root() const { return folderModel.index(0, 0); }
 };
 
-QVariant cell(const QStandardItem* name, int column)
+QVariant cell(const QModelIndex& folder, int column)
 {
-    const QStandardItem* parent =
-        name->parent() ? name->parent() : name->model()->invisibleRootItem();
-    const QStandardItem* item = parent->child(name->row(), column);
-    return item ? item->data(Qt::DisplayRole) : QVariant();
+    return folder.siblingAtColumn(column).data(Qt::DisplayRole);
 }
 
-QStandardItem* childNamed(const QStandardItem* parent, const QString& name)
+int rowsBelow(const QModelIndex& folder)
 {
-    for (int row = 0; row < parent->rowCount(); ++row) {
-        if (parent->child(row)->text() == name)
-            return parent->child(row);
+    return folder.model()->rowCount(folder);
+}
+
+QModelIndex childNamed(const QModelIndex& parent, const QString& name)
+{
+    for (int row = 0; row < rowsBelow(parent); ++row) {
+        const QModelIndex child = parent.model()->index(row, 0, parent);
+        if (child.data().toString() == name)
+            return child;
     }
-    return nullptr;
+    return {};
+}
+
+QImage iconOf(const QModelIndex& folder)
+{
+    return qvariant_cast<QIcon>(folder.data(Qt::DecorationRole)).pixmap(16).toImage();
 }
 
 void makeFile(const QString& path, qint64 size)
@@ -166,7 +174,7 @@ private slots:
     void cancellingKeepsTheTotalsConsistent();
     void anyNumberOfReadersGivesTheSameResult();
     void foldersChangingInTheReadAheadKeepTheTotalsConsistent();
-    void releasingEmptiesTheModels();
+    void releasingFreesTheTree();
 
 private:
     // The scanned folder as a user would pick it, and paths below it joined as
@@ -201,8 +209,8 @@ void TestScanWorker::anEmptyFolder()
 {
     const ScanRun scan(scanRoot());
     QCOMPARE(scan.folderModel.rowCount(), 1);
-    const QStandardItem* root = scan.root();
-    QCOMPARE(root->text(), QFileInfo(dir.path()).fileName());
+    const QModelIndex root = scan.root();
+    QCOMPARE(root.data().toString(), QFileInfo(dir.path()).fileName());
     QCOMPARE(cell(root, Size).toULongLong(), 0ull);
     QCOMPARE(cell(root, Percentage).toDouble(), 100.0);
     QCOMPARE(cell(root, MaxData).toString(), QStringLiteral("0"));
@@ -220,14 +228,14 @@ void TestScanWorker::foldersCarryTheirSubtrees()
     makeFile(dir.filePath("docs/y.txt"), 4);
     const ScanRun scan(scanRoot());
 
-    const QStandardItem* root = scan.root();
+    const QModelIndex root = scan.root();
     QCOMPARE(cell(root, Size).toULongLong(), 8007ull);
     QCOMPARE(cell(root, Files).toInt(), 4);
     QCOMPARE(cell(root, Folders).toInt(), 3);
     QCOMPARE(cell(root, MaxData).toString(),
              QStringLiteral("a.iso:5000:0;Music:3000:1;docs:7:1;2"));
-    const QStandardItem* music = childNamed(root, "Music");
-    QVERIFY(music);
+    const QModelIndex music = childNamed(root, "Music");
+    QVERIFY(music.isValid());
     QCOMPARE(cell(music, MaxData).toString(), QStringLiteral("song.mp3:3000:0;empty:0:1;1"));
     QCOMPARE(cell(music, Path).toString(), under("Music"));
 
@@ -235,8 +243,8 @@ void TestScanWorker::foldersCarryTheirSubtrees()
     QCOMPARE(cell(root, Index).toInt(), 3);
     QVERIFY(cell(childNamed(music, "empty"), Index).toInt() < cell(music, Index).toInt());
     QSet<int> indexes{cell(root, Index).toInt()};
-    for (const QStandardItem* folder :
-         QList<const QStandardItem*>{music, childNamed(music, "empty"), childNamed(root, "docs")})
+    for (const QModelIndex& folder :
+         QList<QModelIndex>{music, childNamed(music, "empty"), childNamed(root, "docs")})
         indexes.insert(cell(folder, Index).toInt());
     QCOMPARE(indexes, (QSet<int>{0, 1, 2, 3}));
 
@@ -254,9 +262,9 @@ void TestScanWorker::percentagesAreSharesOfTheParent()
     makeFile(dir.filePath("alone/inner/f"), 10);
     const ScanRun scan(scanRoot());
 
-    const QStandardItem* three = childNamed(scan.root(), "three");
-    for (int row = 0; row < three->rowCount(); ++row)
-        QCOMPARE(cell(three->child(row), Percentage).toDouble(), 33.33);
+    const QModelIndex three = childNamed(scan.root(), "three");
+    for (int row = 0; row < rowsBelow(three); ++row)
+        QCOMPARE(cell(scan.folderModel.index(row, 0, three), Percentage).toDouble(), 33.33);
     QCOMPARE(cell(three, Percentage).toDouble(), 75.0);
     QCOMPARE(cell(childNamed(childNamed(scan.root(), "alone"), "inner"), Percentage).toDouble(),
              100.0);
@@ -330,11 +338,26 @@ void TestScanWorker::categoriesCountEveryMatchingFile()
     QCOMPARE(indexes.size(), 22);
     QVERIFY(*std::min_element(indexes.begin(), indexes.end()) >= 100);
 
-    const QStandardItemModel& rows = scan.dataFilesModel;
+    // Largest total first, ties in catalogue order; the disabled category's
+    // row, empty, last.
+    const CategoryModel& rows = scan.dataFilesModel;
     QCOMPARE(rows.rowCount(), 12);
-    QCOMPARE(rows.item(5, 4)->data(Qt::DisplayRole).toDouble(), 325 * 9.5367431640625e-7);
-    QVERIFY(!rows.item(10, 0)); // the disabled category's row keeps its place
-    QCOMPARE(rows.item(11, 5)->data(Qt::DisplayRole).toInt(), 11);
+    const auto at = [&rows](int row, int column) { return rows.index(row, column).data(); };
+    QCOMPARE(at(0, CategoryModel::Category).toString(), QStringLiteral("Audio Files"));
+    QList<int> zeroTotals;
+    for (int row = 0; row < 11; ++row) {
+        const int category = at(row, CategoryModel::CategoryIndex).toInt();
+        QCOMPARE(at(row, CategoryModel::Mebibytes).toDouble(),
+                 double(scan.result.categories[category].totalSize) * 9.5367431640625e-7);
+        if (row > 0)
+            QVERIFY(at(row, CategoryModel::Mebibytes).toDouble() <=
+                    at(row - 1, CategoryModel::Mebibytes).toDouble());
+        if (scan.result.categories[category].totalSize == 0)
+            zeroTotals << category;
+    }
+    QVERIFY(std::is_sorted(zeroTotals.begin(), zeroTotals.end()));
+    QVERIFY(!at(11, CategoryModel::Category).isValid());
+    QVERIFY(!at(11, CategoryModel::CategoryIndex).isValid());
 }
 
 void TestScanWorker::exclusionsArePlainPrefixes()
@@ -346,9 +369,9 @@ void TestScanWorker::exclusionsArePlainPrefixes()
     ExclusionSettings::excludeList() = {{true, under("Temp")}, {false, under("Keep")}};
     const ScanRun scan(scanRoot());
 
-    const QStandardItem* root = scan.root();
-    QCOMPARE(root->rowCount(), 1);
-    QCOMPARE(root->child(0)->text(), QStringLiteral("Keep"));
+    const QModelIndex root = scan.root();
+    QCOMPARE(rowsBelow(root), 1);
+    QCOMPARE(scan.folderModel.index(0, 0, root).data().toString(), QStringLiteral("Keep"));
     QCOMPARE(cell(root, Size).toULongLong(), 120ull); // a file is never excluded
     QCOMPARE(cell(root, Folders).toInt(), 1);
     QCOMPARE(scan.subFolderTotals, QList<int>{4});
@@ -363,15 +386,15 @@ void TestScanWorker::oneDriveFolders()
     const QImage cloud = QIcon(":/resources/images/genericCloudFolder.png").pixmap(16).toImage();
     {
         const ScanRun scan(scanRoot());
-        const QStandardItem* oneDrive = childNamed(scan.root(), "OneDrive");
-        QVERIFY(oneDrive);
-        QCOMPARE(oneDrive->icon().pixmap(16).toImage(), cloud);
-        QCOMPARE(oneDrive->child(0)->icon().pixmap(16).toImage(), cloud);
-        QVERIFY(childNamed(scan.root(), "Local")->icon().pixmap(16).toImage() != cloud);
+        const QModelIndex oneDrive = childNamed(scan.root(), "OneDrive");
+        QVERIFY(oneDrive.isValid());
+        QCOMPARE(iconOf(oneDrive), cloud);
+        QCOMPARE(iconOf(scan.folderModel.index(0, 0, oneDrive)), cloud);
+        QVERIFY(iconOf(childNamed(scan.root(), "Local")) != cloud);
     }
     ExclusionSettings::excludeOneDriveFolder() = 1;
     const ScanRun scan(scanRoot());
-    QVERIFY(!childNamed(scan.root(), "OneDrive"));
+    QVERIFY(!childNamed(scan.root(), "OneDrive").isValid());
     QCOMPARE(cell(scan.root(), Size).toULongLong(), 7ull);
 }
 
@@ -396,11 +419,11 @@ void TestScanWorker::oddNamesAndADeepChain()
     const ScanRun scan(scanRoot());
     removeChain(deep, step, made);
 
-    const QStandardItem* odd = childNamed(scan.root(), "odd");
+    const QModelIndex odd = childNamed(scan.root(), "odd");
     QCOMPARE(cell(odd, Files).toInt(), names.size());
     QCOMPARE(cell(odd, Size).toULongLong(), quint64(11 * names.size()));
-    QVERIFY(childNamed(odd, "folder:with;marks"));
-    const QStandardItem* chain = childNamed(scan.root(), "deep");
+    QVERIFY(childNamed(odd, "folder:with;marks").isValid());
+    const QModelIndex chain = childNamed(scan.root(), "deep");
     QCOMPARE(cell(chain, Folders).toInt(), 1500);
     QCOMPARE(cell(chain, Size).toULongLong(), 123ull);
     QVERIFY(cell(chain, Path).toString().size() < 100);
@@ -419,8 +442,8 @@ void TestScanWorker::aFolderThatVanishesIsEmpty()
                 QDir(path).removeRecursively();
         },
         1);
-    const QStandardItem* goes = childNamed(scan.root(), "goes");
-    QVERIFY(goes);
+    const QModelIndex goes = childNamed(scan.root(), "goes");
+    QVERIFY(goes.isValid());
     QCOMPARE(cell(goes, Size).toULongLong(), 0ull);
     QCOMPARE(cell(goes, Files).toInt(), 0);
     QCOMPARE(cell(scan.root(), Size).toULongLong(), 3ull);
@@ -431,15 +454,15 @@ namespace {
 
 // For a tree with files only in its leaves: every other folder's totals are
 // the sums of its subfolders'.
-void expectSumsOfSubfolders(const QStandardItem* folder)
+void expectSumsOfSubfolders(const QModelIndex& folder)
 {
-    if (!folder->hasChildren())
+    if (rowsBelow(folder) == 0)
         return;
     quint64 size = 0;
     int files = 0;
-    int folders = folder->rowCount();
-    for (int row = 0; row < folder->rowCount(); ++row) {
-        const QStandardItem* child = folder->child(row);
+    int folders = rowsBelow(folder);
+    for (int row = 0; row < rowsBelow(folder); ++row) {
+        const QModelIndex child = folder.model()->index(row, 0, folder);
         expectSumsOfSubfolders(child);
         size += cell(child, Size).toULongLong();
         files += cell(child, Files).toInt();
@@ -470,7 +493,7 @@ void TestScanWorker::cancellingKeepsTheTotalsConsistent()
     expectSumsOfSubfolders(scan.root());
     const int files = cell(scan.root(), Files).toInt();
     QVERIFY(files > 0 && files < 6 * 30);
-    QVERIFY(scan.root()->rowCount() < 6);
+    QVERIFY(rowsBelow(scan.root()) < 6);
 }
 
 void TestScanWorker::anyNumberOfReadersGivesTheSameResult()
@@ -514,19 +537,20 @@ void TestScanWorker::foldersChangingInTheReadAheadKeepTheTotalsConsistent()
     // may have listed it before, or not.
     const ScanRun scan(
         scanRoot(), {}, [](const QString& path) { QDir(path).removeRecursively(); }, 8);
-    QCOMPARE(scan.root()->rowCount(), 8);
+    QCOMPARE(rowsBelow(scan.root()), 8);
     expectSumsOfSubfolders(scan.root());
 }
 
-void TestScanWorker::releasingEmptiesTheModels()
+void TestScanWorker::releasingFreesTheTree()
 {
     makeFile(dir.filePath("a/b/c.txt"), 10);
     ScanRun scan(scanRoot());
-    QStandardItemModel biggestFiles;
-    biggestFiles.appendRow(new QStandardItem("c.txt"));
+    const std::weak_ptr<const ScanTree> watched = scan.folderModel.tree();
+    std::shared_ptr<const ScanTree> tree = scan.folderModel.tree();
+    scan.folderModel.clear();
+    scan.result.tree.reset();
 
-    DiskUsageClearRamThread release(nullptr, &scan.folderModel, &scan.dataFilesModel,
-                                    &biggestFiles);
+    DiskUsageClearRamThread release(nullptr, std::move(tree));
     // Counted on this thread, as the results screen counts them.
     int steps = 0;
     bool finished = false;
@@ -536,10 +560,9 @@ void TestScanWorker::releasingEmptiesTheModels()
     release.start();
     QTRY_VERIFY(finished);
     release.wait();
-    QCOMPARE(steps, 5);
+    QCOMPARE(steps, 1);
+    QVERIFY(watched.expired());
     QCOMPARE(scan.folderModel.rowCount(), 0);
-    QCOMPARE(scan.dataFilesModel.rowCount(), 0);
-    QCOMPARE(biggestFiles.rowCount(), 0);
 }
 
 QTEST_MAIN(TestScanWorker)

@@ -1,0 +1,176 @@
+#include "FolderTreeModel.h"
+
+#include "FolderColumn.h"
+#include "platform/Shell.h"
+#include "scan/DiskUsageGlobal.h"
+
+#include <QDir>
+
+#include <algorithm>
+
+using namespace FolderColumn;
+
+FolderTreeModel::FolderTreeModel(QObject* parent)
+    : QAbstractItemModel(parent)
+    , folderIcon(platform::folderIcon())
+    , cloudIcon(QStringLiteral(":/resources/images/genericCloudFolder.png"))
+{}
+
+FolderTreeModel::~FolderTreeModel() = default;
+
+void FolderTreeModel::setTree(std::shared_ptr<const ScanTree> tree, const QString& oneDrivePath)
+{
+    beginResetModel();
+    scan = std::move(tree);
+    oneDrive = oneDrivePath;
+    rows.clear();
+    rowInParent.clear();
+    endResetModel();
+}
+
+void FolderTreeModel::clear()
+{
+    setTree(nullptr);
+}
+
+ScanTree::Index FolderTreeModel::nodeOf(const QModelIndex& index)
+{
+    return index.isValid() ? Index(index.internalId()) : ScanTree::none;
+}
+
+const std::vector<ScanTree::Index>& FolderTreeModel::rowsOf(Index folder) const
+{
+    const auto found = rows.find(folder);
+    if (found != rows.end())
+        return found->second;
+    std::vector<Index> ordered = scan->shownSubfolders(folder);
+    std::stable_sort(ordered.begin(), ordered.end(),
+                     [this](Index a, Index b) { return scan->node(a).size > scan->node(b).size; });
+    for (std::size_t row = 0; row < ordered.size(); ++row)
+        rowInParent[ordered[row]] = int(row);
+    return rows.emplace(folder, std::move(ordered)).first->second;
+}
+
+int FolderTreeModel::rowOf(Index folder) const
+{
+    if (folder == 0)
+        return 0;
+    const auto found = rowInParent.find(folder);
+    if (found != rowInParent.end())
+        return found->second;
+    rowsOf(scan->node(folder).parent);
+    return rowInParent.at(folder);
+}
+
+QModelIndex FolderTreeModel::indexOf(Index folder, int column) const
+{
+    if (!scan || folder >= scan->size() || !scan->node(folder).isShownFolder())
+        return {};
+    return createIndex(rowOf(folder), column, quintptr(folder));
+}
+
+QModelIndex FolderTreeModel::index(int row, int column, const QModelIndex& parent) const
+{
+    if (!scan || row < 0 || column < 0 || column >= Count)
+        return {};
+    if (!parent.isValid())
+        return row == 0 ? createIndex(0, column, quintptr(0)) : QModelIndex();
+    const std::vector<Index>& children = rowsOf(nodeOf(parent));
+    if (std::size_t(row) >= children.size())
+        return {};
+    return createIndex(row, column, quintptr(children[std::size_t(row)]));
+}
+
+QModelIndex FolderTreeModel::parent(const QModelIndex& child) const
+{
+    const Index node = nodeOf(child);
+    if (!scan || node == ScanTree::none || node == 0)
+        return {};
+    return indexOf(scan->node(node).parent);
+}
+
+int FolderTreeModel::rowCount(const QModelIndex& parent) const
+{
+    if (!scan)
+        return 0;
+    if (!parent.isValid())
+        return 1;
+    if (parent.column() != 0 || scan->node(nodeOf(parent)).folders == 0)
+        return 0;
+    return int(rowsOf(nodeOf(parent)).size());
+}
+
+int FolderTreeModel::columnCount(const QModelIndex&) const
+{
+    return Count;
+}
+
+bool FolderTreeModel::hasChildren(const QModelIndex& parent) const
+{
+    if (!parent.isValid())
+        return scan != nullptr;
+    return parent.column() == 0 && scan->node(nodeOf(parent)).folders > 0;
+}
+
+Qt::ItemFlags FolderTreeModel::flags(const QModelIndex& index) const
+{
+    return index.isValid() ? Qt::ItemIsSelectable | Qt::ItemIsEnabled : Qt::NoItemFlags;
+}
+
+QString FolderTreeModel::pathOf(Index node) const
+{
+    return node == 0 ? QDir::toNativeSeparators(scan->rootPath()) : scan->path(node);
+}
+
+QVariant FolderTreeModel::data(const QModelIndex& index, int role) const
+{
+    if (!scan || !index.isValid())
+        return {};
+    const Index node = nodeOf(index);
+    if (role == Qt::DecorationRole && index.column() == Name) {
+        const bool inOneDrive = !oneDrive.isEmpty() && scan->path(node).startsWith(oneDrive);
+        return inOneDrive ? cloudIcon : folderIcon;
+    }
+    if (role != Qt::DisplayRole && role != Qt::EditRole)
+        return {};
+    return value(node, index.column());
+}
+
+QVariant FolderTreeModel::value(Index node, int column) const
+{
+    const ScanTree::Node& folder = scan->node(node);
+    switch (column) {
+    case Name:
+        return scan->nameText(node);
+    case SizeText:
+        return DiskUsageGlobal::sizeText(double(folder.size));
+    case Files:
+        return int(folder.files);
+    case Folders:
+        return int(folder.folders);
+    case Size:
+        return QVariant::fromValue<qulonglong>(folder.size);
+    case Path:
+        return pathOf(node);
+    case Percentage:
+        return scan->percentage(node);
+    case MaxData:
+        return scan->childSummary(node);
+    case FolderColumn::Index:
+        return int(folder.finished);
+    case OnDisk:
+        return QVariant::fromValue<qulonglong>(folder.onDisk);
+    default:
+        return {};
+    }
+}
+
+QVariant FolderTreeModel::headerData(int section, Qt::Orientation orientation, int role) const
+{
+    static const char* const titles[Count] = {"Name",  "Size",   "File Count", "Folder Count",
+                                              "Size",  "Path",   "Percentage", "MaxData",
+                                              "Index", "On Disk"};
+    if (orientation != Qt::Horizontal || role != Qt::DisplayRole || section < 0 || section >= Count)
+        return QAbstractItemModel::headerData(section, orientation, role);
+    return QString::fromLatin1(titles[section]);
+}

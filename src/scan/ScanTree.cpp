@@ -1,0 +1,165 @@
+#include "ScanTree.h"
+
+#include "platform/NativeText.h"
+
+#include <algorithm>
+#include <charconv>
+
+static_assert(sizeof(ScanTree::Node) == 64, "a node is meant to fill one cache line");
+
+ScanTree::ScanTree(const QString& rootPath, platform::NativeStringView rootName)
+    : root(rootPath)
+{
+    nodes.grow(1);
+    nodes[0].flags = Folder;
+    setName(0, rootName);
+}
+
+ScanTree::Index ScanTree::addChildren(Index folder, Index count)
+{
+    const auto first = Index(nodes.grow(count));
+    for (Index child = first; child < first + count; ++child)
+        nodes[child].parent = folder;
+    nodes[folder].firstChild = first;
+    nodes[folder].childCount = count;
+    return first;
+}
+
+void ScanTree::setName(Index index, platform::NativeStringView name)
+{
+    nodes[index].nameOffset = names.add(name);
+    nodes[index].nameLength = std::uint16_t(name.size());
+}
+
+platform::NativeStringView ScanTree::name(Index index) const
+{
+    return names.at(nodes[index].nameOffset, nodes[index].nameLength);
+}
+
+QString ScanTree::nameText(Index index) const
+{
+    return platform::toQString(platform::NativeString(name(index)));
+}
+
+QString ScanTree::path(Index index) const
+{
+    std::vector<Index> chain;
+    for (Index above = index; above != 0; above = nodes[above].parent)
+        chain.push_back(above);
+    QString joined = root;
+    for (auto step = chain.rbegin(); step != chain.rend(); ++step)
+        joined = platform::childPath(joined, nameText(*step));
+    return joined;
+}
+
+std::vector<ScanTree::Index> ScanTree::shownSubfolders(Index folder) const
+{
+    std::vector<Index> shown;
+    const Node& parent = nodes[folder];
+    for (Index child = parent.firstChild; child < parent.firstChild + parent.childCount; ++child) {
+        if (nodes[child].isShownFolder())
+            shown.push_back(child);
+    }
+    return shown;
+}
+
+std::vector<ScanTree::Index> ScanTree::largestChildren(Index folder, std::size_t limit) const
+{
+    std::vector<Index> ranked;
+    ranked.reserve(limit + 1);
+    const auto offer = [&](Index child) {
+        const std::uint64_t size = nodes[child].size;
+        if (ranked.size() >= limit && !(nodes[ranked.back()].size < size))
+            return;
+        const auto before = std::find_if(ranked.begin(), ranked.end(),
+                                         [&](Index kept) { return nodes[kept].size < size; });
+        ranked.insert(before, child);
+        if (ranked.size() > limit)
+            ranked.pop_back();
+    };
+    const Node& parent = nodes[folder];
+    const Index end = parent.firstChild + parent.childCount;
+    for (Index child = parent.firstChild; child < end; ++child) {
+        if (!nodes[child].isFolder())
+            offer(child);
+    }
+    for (Index child = parent.firstChild; child < end; ++child) {
+        if (nodes[child].isShownFolder())
+            offer(child);
+    }
+    return ranked;
+}
+
+namespace {
+
+void appendNumber(platform::NativeString& text, std::uint64_t number)
+{
+    char digits[24];
+    const auto end = std::to_chars(digits, digits + sizeof digits, number).ptr;
+    text.append(digits, end);
+}
+
+} // namespace
+
+QString ScanTree::childSummary(Index folder) const
+{
+    constexpr std::size_t kept = 10;
+    const std::vector<Index> largest = largestChildren(folder, kept);
+    platform::NativeString summary;
+    for (Index child : largest) {
+        summary += name(child);
+        summary += ':';
+        appendNumber(summary, nodes[child].size);
+        summary += ':';
+        summary += nodes[child].isFolder() ? '1' : '0';
+        summary += ';';
+    }
+    appendNumber(summary, shownSubfolders(folder).size());
+    return platform::toQString(summary);
+}
+
+double ScanTree::percentage(Index index) const
+{
+    if (index == 0)
+        return 100.0;
+    return percentage(nodes[index].size, nodes[nodes[index].parent].size);
+}
+
+double ScanTree::percentage(std::uint64_t child, std::uint64_t parent)
+{
+    if (child == 0)
+        return 0.0;
+    const double share = double(child * 100) / double(parent);
+    return static_cast<std::int32_t>(share * 100.0) / 100.0;
+}
+
+std::size_t ScanTree::bytesAllocated() const
+{
+    return nodes.bytesAllocated() + names.bytesAllocated();
+}
+
+std::uint64_t ScanTree::Names::add(platform::NativeStringView name)
+{
+    constexpr std::size_t chunkSize = std::size_t(1) << chunkBits;
+    // A name never straddles two chunks.
+    if (chunks.empty() || usedInLast + name.size() > chunkSize) {
+        chunks.emplace_back(new platform::NativeString::value_type[chunkSize]);
+        usedInLast = 0;
+    }
+    std::copy(name.begin(), name.end(), &chunks.back()[usedInLast]);
+    const std::uint64_t offset = ((chunks.size() - 1) << chunkBits) + usedInLast;
+    usedInLast += name.size();
+    return offset;
+}
+
+platform::NativeStringView ScanTree::Names::at(std::uint64_t offset, std::size_t length) const
+{
+    constexpr std::uint64_t chunkSize = std::uint64_t(1) << chunkBits;
+    return {&chunks[offset >> chunkBits][offset & (chunkSize - 1)], length};
+}
+
+std::size_t ScanTree::Names::bytesAllocated() const
+{
+    return chunks.size() * (std::size_t(1) << chunkBits) *
+           sizeof(platform::NativeString::value_type);
+}

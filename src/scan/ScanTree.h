@@ -1,0 +1,111 @@
+#pragma once
+
+#include "ChunkedArray.h"
+#include "platform/DirectoryListing.h"
+
+#include <QString>
+
+#include <cstdint>
+#include <vector>
+
+// Every folder and file of one scan, compactly: nodes in chunked arrays
+// addressed by index, names as the system gave them in an arena. A folder's
+// children stand one after the other, in the order the listing gave them; the
+// scanned folder is node 0. Nothing in it is recursive, so depth costs nothing.
+// Built by one thread; once handed over, any number of threads may read it.
+class ScanTree {
+public:
+    using Index = std::uint32_t;
+    static constexpr Index none = 0xffffffff;
+    static constexpr std::uint8_t noCategory = 0xff;
+
+    enum Flag : std::uint8_t {
+        Folder = 1,
+        Unreadable = 2, // could not be listed, or its listing broke off
+        Elsewhere = 4,  // on another file system: shown, not entered
+        Excluded = 8,   // left out by the exclusions: counted nowhere
+        Link = 16,      // a junction or folder link (Windows)
+        Loop = 32,      // the same folder as one above it: not entered
+    };
+
+    struct Node {
+        std::uint64_t size = 0; // bytes; a folder's whole subtree
+        std::uint64_t onDisk = 0;
+        std::uint64_t lastAccessTime = 0; // files: FILETIME ticks
+        std::uint64_t nameOffset = 0;
+        Index parent = none;
+        Index firstChild = 0;
+        Index childCount = 0;
+        std::uint32_t files = 0;    // folders: files in the subtree
+        std::uint32_t folders = 0;  // folders: folders in the subtree, itself not counted
+        std::uint32_t finished = 0; // folders: how many folders finished before it
+        std::uint16_t nameLength = 0;
+        std::uint8_t category = noCategory; // files: the first matching category
+        std::uint8_t flags = 0;
+
+        [[nodiscard]] bool isFolder() const { return flags & Folder; }
+        // A folder that stands as a row of the results (every folder not excluded).
+        [[nodiscard]] bool isShownFolder() const { return (flags & (Folder | Excluded)) == Folder; }
+    };
+
+    // The scanned folder as the user gave it, and the name its row shows.
+    ScanTree(const QString& rootPath, platform::NativeStringView rootName);
+    ScanTree(const ScanTree&) = delete;
+    ScanTree& operator=(const ScanTree&) = delete;
+    ScanTree(ScanTree&&) = default;
+    ScanTree& operator=(ScanTree&&) = default;
+    ~ScanTree() = default;
+
+    [[nodiscard]] std::size_t size() const { return nodes.size(); }
+    [[nodiscard]] Node& node(Index index) { return nodes[index]; }
+    [[nodiscard]] const Node& node(Index index) const { return nodes[index]; }
+
+    // Adds `count` children to a folder that has none yet; returns the first.
+    Index addChildren(Index folder, Index count);
+    // Forgets a folder's children from `kept` on (a scan cut short): their
+    // nodes stay, unreachable.
+    void keepChildren(Index folder, Index kept) { nodes[folder].childCount = kept; }
+    void setName(Index index, platform::NativeStringView name);
+
+    [[nodiscard]] platform::NativeStringView name(Index index) const;
+    [[nodiscard]] QString nameText(Index index) const;
+    // The scanned folder as given; below it, each name joined by the platform.
+    [[nodiscard]] const QString& rootPath() const { return root; }
+    // The path of a node: each name below the scanned folder joined to it as
+    // the platform joins them.
+    [[nodiscard]] QString path(Index index) const;
+
+    // A folder's children that show as rows (folders not excluded), in listing order.
+    [[nodiscard]] std::vector<Index> shownSubfolders(Index folder) const;
+    // The `limit` largest children, largest first, as a folder keeps them: its
+    // files in listing order, then its shown subfolders, each before the first
+    // strictly smaller one, so that ties keep the earlier in front.
+    [[nodiscard]] std::vector<Index> largestChildren(Index folder, std::size_t limit) const;
+    // name:size:kind; for each of the ten largest children, then the number of
+    // shown subfolders. Names are written as they are.
+    [[nodiscard]] QString childSummary(Index folder) const;
+    // The share of a node in its folder, in percent cut to two decimals; the
+    // scanned folder's is 100.
+    [[nodiscard]] double percentage(Index index) const;
+    [[nodiscard]] static double percentage(std::uint64_t child, std::uint64_t parent);
+
+    // What the tree takes in memory: nodes and names.
+    [[nodiscard]] std::size_t bytesAllocated() const;
+
+private:
+    class Names {
+    public:
+        std::uint64_t add(platform::NativeStringView name);
+        [[nodiscard]] platform::NativeStringView at(std::uint64_t offset, std::size_t length) const;
+        [[nodiscard]] std::size_t bytesAllocated() const;
+
+    private:
+        static constexpr unsigned chunkBits = 20; // longer than any name
+        std::vector<std::unique_ptr<platform::NativeString::value_type[]>> chunks;
+        std::size_t usedInLast = 0;
+    };
+
+    ChunkedArray<Node, 14> nodes;
+    Names names;
+    QString root;
+};
