@@ -65,6 +65,10 @@ public:
     // The open folder's identity, where opening it told it (Linux); none on
     // Windows, where a listing does not open the folder itself.
     [[nodiscard]] std::optional<FolderIdentity> identity() const;
+    // The mount the open folder belongs to, where the system tells it
+    // (Linux 5.8 on); none elsewhere. A folder can be one of the folders
+    // above it only where the way down crosses into another mount.
+    [[nodiscard]] std::optional<std::uint64_t> mount() const;
     // The bytes the folder itself takes on disk, where the system told them
     // (Linux, also for a folder met but not readable); 0 elsewhere.
     [[nodiscard]] std::uint64_t allocated() const;

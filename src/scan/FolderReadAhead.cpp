@@ -97,8 +97,16 @@ void FolderReadAhead::readerLoop()
     }
 }
 
-// Where opening a folder told its identity (Linux), every folder is compared
-// with those above it; elsewhere only a link is, and the identities are asked for.
+FolderReadAhead::Ancestry::~Ancestry()
+{
+    std::shared_ptr<const Ancestry> above = std::move(parent);
+    while (above && above.use_count() == 1)
+        above = std::move(above->parent);
+}
+
+// Where opening a folder told its identity (Linux), a folder is compared with
+// those above its nearest crossing into another mount; elsewhere only a link
+// is, and the identities are asked for.
 bool FolderReadAhead::leadsToAncestor(const Ancestry& folder, bool isLink)
 {
     const auto identityOf = [isLink](const Ancestry& ancestry) {
@@ -109,7 +117,8 @@ bool FolderReadAhead::leadsToAncestor(const Ancestry& folder, bool isLink)
     const std::optional<platform::FolderIdentity> identity = identityOf(folder);
     if (!identity)
         return false;
-    for (const Ancestry* above = folder.parent.get(); above; above = above->parent.get()) {
+    for (const Ancestry* above = folder.crossing->parent.get(); above;
+         above = above->parent.get()) {
         if (identityOf(*above) == identity)
             return true;
     }
@@ -187,10 +196,19 @@ void FolderReadAhead::read(Folder& folder)
 {
     const std::shared_ptr<platform::DirectoryListing> listing = open(folder);
     const std::size_t depth = folder.parentAncestry ? folder.parentAncestry->depth + 1 : 0;
-    const bool isRoot = !folder.parentAncestry;
-    auto ancestry = std::make_shared<const Ancestry>(
-        Ancestry{listing->identity(), isRoot ? folder.path : QString(), folder.name, listing, depth,
-                 std::move(folder.parentAncestry)});
+    auto ancestry = std::make_shared<Ancestry>();
+    ancestry->identity = listing->identity();
+    ancestry->name = folder.name;
+    ancestry->listing = listing;
+    ancestry->depth = depth;
+    ancestry->mount = listing->mount();
+    ancestry->parent = std::move(folder.parentAncestry);
+    const Ancestry* parent = ancestry->parent.get();
+    const bool crosses =
+        !parent || folder.isLink || !ancestry->mount || ancestry->mount != parent->mount;
+    ancestry->crossing = crosses ? ancestry.get() : parent->crossing;
+    if (!parent)
+        ancestry->rootPath = folder.path;
     // Past half the limit only every sixteenth level keeps its listing open
     // for its subfolders: a folder far below opens from the nearest one kept.
     const std::size_t openNow = listingsOpen->load();

@@ -38,7 +38,19 @@ public:
         platform::NativeString name; // none for the scanned folder
         std::weak_ptr<platform::DirectoryListing> listing;
         std::size_t depth = 0;
-        std::shared_ptr<const Ancestry> parent;
+        // Where the way down last crossed into another mount (or a link):
+        // this folder or the nearest above. Only a folder above it can be
+        // the same as this one or one below it in the same mount.
+        std::optional<std::uint64_t> mount;
+        const Ancestry* crossing = nullptr;
+        mutable std::shared_ptr<const Ancestry> parent;
+
+        Ancestry() = default;
+        Ancestry(const Ancestry&) = delete;
+        Ancestry& operator=(const Ancestry&) = delete;
+        // Lets go of the folders above one at a time: a deep tree's chain
+        // would overflow the stack if each freed the next.
+        ~Ancestry();
     };
 
     // One folder of the tree. Its name is set when its parent is read; the

@@ -30,84 +30,89 @@ char hexDigit(unsigned value)
     return "0123456789abcdef"[value & 0xf];
 }
 
-void appendEscape(QByteArray& out, char16_t unit)
+char* writeEscape(char* out, char16_t unit)
 {
-    out += "\\u";
+    *out++ = '\\';
+    *out++ = 'u';
     for (int shift = 12; shift >= 0; shift -= 4)
-        out += hexDigit(unit >> shift);
+        *out++ = hexDigit(unsigned(unit) >> shift);
+    return out;
 }
 
-void appendUtf8(QByteArray& out, char32_t code)
+char* writeUtf8(char* out, char32_t code)
 {
     if (code < 0x800) {
-        out += char(0xc0 | (code >> 6));
+        *out++ = char(0xc0 | (code >> 6));
     } else if (code < 0x10000) {
-        out += char(0xe0 | (code >> 12));
-        out += char(0x80 | ((code >> 6) & 0x3f));
+        *out++ = char(0xe0 | (code >> 12));
+        *out++ = char(0x80 | ((code >> 6) & 0x3f));
     } else {
-        out += char(0xf0 | (code >> 18));
-        out += char(0x80 | ((code >> 12) & 0x3f));
-        out += char(0x80 | ((code >> 6) & 0x3f));
+        *out++ = char(0xf0 | (code >> 18));
+        *out++ = char(0x80 | ((code >> 12) & 0x3f));
+        *out++ = char(0x80 | ((code >> 6) & 0x3f));
     }
-    out += char(0x80 | (code & 0x3f));
+    *out++ = char(0x80 | (code & 0x3f));
+    return out;
+}
+
+// The escape of a character JSON names, or 0.
+char shortEscape(char16_t code)
+{
+    switch (code) {
+    case '"':
+        return '"';
+    case '\\':
+        return '\\';
+    case '\b':
+        return 'b';
+    case '\f':
+        return 'f';
+    case '\n':
+        return 'n';
+    case '\r':
+        return 'r';
+    case '\t':
+        return 't';
+    default:
+        return 0;
+    }
 }
 
 } // namespace
 
 // As Qt's JSON writer quotes a string, byte for byte, so that the output stays
 // the same as a QJsonDocument of the same values: control characters escaped,
-// the rest as UTF-8, and a surrogate without its pair as \u escape.
+// the rest as UTF-8, and a surrogate without its pair as \u escape. Written
+// straight into room made for the longest outcome, six bytes a unit.
 void ScanJsonWriter::appendString(QByteArray& out, QStringView text)
 {
-    out += '"';
+    const qsizetype start = out.size();
+    out.resize(start + 2 + 6 * text.size());
+    char* cursor = out.data() + start;
+    *cursor++ = '"';
     const char16_t* unit = text.utf16();
     const char16_t* const end = unit + text.size();
     for (; unit != end; ++unit) {
         const char16_t code = *unit;
         if (code >= 0x20 && code < 0x80 && code != '"' && code != '\\') {
-            out += char(code);
-            continue;
-        }
-        switch (code) {
-        case '"':
-            out += "\\\"";
-            continue;
-        case '\\':
-            out += "\\\\";
-            continue;
-        case '\b':
-            out += "\\b";
-            continue;
-        case '\f':
-            out += "\\f";
-            continue;
-        case '\n':
-            out += "\\n";
-            continue;
-        case '\r':
-            out += "\\r";
-            continue;
-        case '\t':
-            out += "\\t";
-            continue;
-        default:
-            break;
-        }
-        if (code < 0x20) {
-            out += "\\u00";
-            out += hexDigit(code >> 4);
-            out += hexDigit(code);
+            *cursor++ = char(code);
+        } else if (const char escape = shortEscape(code)) {
+            *cursor++ = '\\';
+            *cursor++ = escape;
+        } else if (code < 0x20) {
+            cursor = writeEscape(cursor, code);
         } else if (QChar::isHighSurrogate(code) && unit + 1 != end &&
                    QChar::isLowSurrogate(unit[1])) {
-            appendUtf8(out, QChar::surrogateToUcs4(code, unit[1]));
+            cursor = writeUtf8(cursor, QChar::surrogateToUcs4(code, unit[1]));
             ++unit;
         } else if (QChar::isSurrogate(code)) {
-            appendEscape(out, code);
+            cursor = writeEscape(cursor, code);
         } else {
-            appendUtf8(out, code);
+            cursor = writeUtf8(cursor, code);
         }
     }
-    out += '"';
+    *cursor++ = '"';
+    out.truncate(cursor - out.constData());
 }
 
 ScanJsonWriter::ScanJsonWriter(const QString& scanPath, const ScanResult& result)
@@ -158,7 +163,9 @@ void ScanJsonWriter::appendFolder(QByteArray& out, ScanTree::Index folder, int d
 bool ScanJsonWriter::writeFolders(QIODevice& device) const
 {
     constexpr qsizetype flushAt = 1 << 20;
-    QByteArray out = "[";
+    QByteArray out;
+    out.reserve(2 * flushAt);
+    out += '[';
     if (result.tree) {
         const ScanTree& tree = *result.tree;
         struct Pending {
@@ -175,7 +182,7 @@ bool ScanJsonWriter::writeFolders(QIODevice& device) const
                 appendFolder(out, 0, 0, QDir::toNativeSeparators(path));
             } else {
                 path.truncate(pathEnds[std::size_t(next.depth - 1)]);
-                path = platform::childPath(path, tree.nameText(next.folder));
+                tree.appendChildPath(path, next.folder, next.depth == 1);
                 out += ',';
                 appendFolder(out, next.folder, next.depth, path);
             }

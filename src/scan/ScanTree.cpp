@@ -2,6 +2,8 @@
 
 #include "platform/NativeText.h"
 
+#include <QDir>
+
 #include <algorithm>
 #include <charconv>
 
@@ -48,8 +50,18 @@ QString ScanTree::path(Index index) const
         chain.push_back(above);
     QString joined = root;
     for (auto step = chain.rbegin(); step != chain.rend(); ++step)
-        joined = platform::childPath(joined, nameText(*step));
+        appendChildPath(joined, *step, step == chain.rbegin());
     return joined;
+}
+
+// Only the scanned folder's path may end in a separator: below it, a name is
+// added after one, in place, so that a deep path is not copied at each level.
+void ScanTree::appendChildPath(QString& folderPath, Index child, bool belowRoot) const
+{
+    if (belowRoot)
+        folderPath = platform::childPath(folderPath, nameText(child));
+    else
+        folderPath.append(QDir::separator()).append(nameText(child));
 }
 
 std::vector<ScanTree::Index> ScanTree::shownSubfolders(Index folder) const

@@ -74,6 +74,9 @@ public:
     // The path of a node: each name below the scanned folder joined to it as
     // the platform joins them.
     [[nodiscard]] QString path(Index index) const;
+    // Adds a child's name to its folder's path; belowRoot when the folder is
+    // the scanned one.
+    void appendChildPath(QString& folderPath, Index child, bool belowRoot) const;
 
     // A folder's children that show as rows (folders not excluded), in listing order.
     [[nodiscard]] std::vector<Index> shownSubfolders(Index folder) const;

@@ -9,6 +9,7 @@
 #include <mutex>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/sysmacros.h>
 
 namespace platform {
 
@@ -46,6 +47,21 @@ std::uint64_t allocatedBytes(const struct stat& info)
     return static_cast<std::uint64_t>(info.st_blocks) * 512u;
 }
 
+// fstat of an open folder, and where the system tells it (statx, Linux 5.8
+// on), the mount it belongs to.
+bool statFolder(int fd, struct stat& info, std::optional<std::uint64_t>& mount)
+{
+    struct statx extended {};
+    if (statx(fd, "", AT_EMPTY_PATH, STATX_INO | STATX_BLOCKS | STATX_MNT_ID, &extended) != 0)
+        return fstat(fd, &info) == 0;
+    info.st_dev = makedev(extended.stx_dev_major, extended.stx_dev_minor);
+    info.st_ino = extended.stx_ino;
+    info.st_blocks = static_cast<blkcnt_t>(extended.stx_blocks);
+    if (extended.stx_mask & STATX_MNT_ID)
+        mount = extended.stx_mnt_id;
+    return true;
+}
+
 struct DirCloser {
     void operator()(DIR* dir) const { closedir(dir); }
 };
@@ -57,13 +73,15 @@ struct DirectoryListing::State {
     int fd = -1; // owned by dir
     dev_t device = 0;
     ino_t inode = 0;
+    std::optional<std::uint64_t> mount;
 
     // Takes over an open folder descriptor; leaves one of another file system
     // closed, without failure, when a device is given.
     static void adopt(DirectoryListing& listing, posix::FileDescriptor fd, const dev_t* device)
     {
         struct stat info {};
-        listing.failure = !fd.isValid() || fstat(fd.get(), &info) != 0;
+        std::optional<std::uint64_t> mount;
+        listing.failure = !fd.isValid() || !statFolder(fd.get(), info, mount);
         if (listing.failure || (device && info.st_dev != *device))
             return;
         listing.ownAllocation = allocatedBytes(info);
@@ -76,6 +94,7 @@ struct DirectoryListing::State {
         listing.state->dir.reset(dir);
         listing.state->device = info.st_dev;
         listing.state->inode = info.st_ino;
+        listing.state->mount = mount;
     }
 };
 
@@ -136,6 +155,11 @@ std::optional<FolderIdentity> DirectoryListing::identity() const
         return std::nullopt;
     return FolderIdentity{static_cast<std::uint64_t>(state->device),
                           static_cast<std::uint64_t>(state->inode)};
+}
+
+std::optional<std::uint64_t> DirectoryListing::mount() const
+{
+    return state ? state->mount : std::nullopt;
 }
 
 std::optional<FolderIdentity> DirectoryListing::identityOf(const NativeString& path)

@@ -125,6 +125,11 @@ std::optional<FolderIdentity> DirectoryListing::identity() const
     return std::nullopt;
 }
 
+std::optional<std::uint64_t> DirectoryListing::mount() const
+{
+    return std::nullopt;
+}
+
 std::optional<FolderIdentity> DirectoryListing::identityOf(const NativeString& path)
 {
     // No access is asked for, only the folder's information.
