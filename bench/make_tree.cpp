@@ -3,6 +3,11 @@
 // takes almost no disk space.
 //
 //   tallyroot-maketree ROOT [FILES FOLDERS MAXDEPTH]
+//   tallyroot-maketree --chain ROOT DEPTH
+//
+// The second form makes a chain of DEPTH folders named "d", one inside the
+// other, with a one-byte file "f" every 100 levels: deeper than any path the
+// system takes whole, so it is made one level at a time.
 
 #include <cerrno>
 #include <cstdint>
@@ -30,11 +35,11 @@ struct Random {
 };
 
 const char* const extensions[] = {
-    ".txt", ".pdf",  ".docx", ".xlsx", ".jpg",  ".JPG",  ".png",  ".gif", ".mp3",   ".flac",
-    ".ogg", ".wav",  ".mp4",  ".mkv",  ".avi",  ".mov",  ".zip",  ".7z",  ".tar.gz", ".gz",
-    ".iso", ".dmg",  ".exe",  ".msi",  ".dll",  ".so",   ".o",    ".h",   ".cpp",   ".py",
-    ".js",  ".html", ".css",  ".svg",  ".psd",  ".ttf",  ".bak",  ".tmp", ".log",   ".json",
-    ".a.b", "",      ".Tar.GZ", ".blend", ".md"};
+    ".txt",    ".pdf", ".docx", ".xlsx", ".jpg",  ".JPG", ".png",    ".gif",   ".mp3",
+    ".flac",   ".ogg", ".wav",  ".mp4",  ".mkv",  ".avi", ".mov",    ".zip",   ".7z",
+    ".tar.gz", ".gz",  ".iso",  ".dmg",  ".exe",  ".msi", ".dll",    ".so",    ".o",
+    ".h",      ".cpp", ".py",   ".js",   ".html", ".css", ".svg",    ".psd",   ".ttf",
+    ".bak",    ".tmp", ".log",  ".json", ".a.b",  "",     ".Tar.GZ", ".blend", ".md"};
 
 std::uint64_t fileSize(Random& random)
 {
@@ -51,12 +56,41 @@ struct Folder {
     int depth;
 };
 
+int makeChain(const char* root, long depth)
+{
+    if (mkdir(root, 0755) != 0) {
+        std::perror(root);
+        return 1;
+    }
+    int folder = open(root, O_RDONLY | O_DIRECTORY);
+    for (long level = 0; level < depth && folder >= 0; ++level) {
+        if (level % 100 == 0) {
+            const int fd = openat(folder, "f", O_WRONLY | O_CREAT | O_TRUNC, 0644);
+            if (fd < 0 || write(fd, "x", 1) != 1)
+                return std::perror("f"), 1;
+            close(fd);
+        }
+        const int below =
+            mkdirat(folder, "d", 0755) == 0 ? openat(folder, "d", O_RDONLY | O_DIRECTORY) : -1;
+        close(folder);
+        folder = below;
+    }
+    if (folder < 0)
+        return std::perror("d"), 1;
+    close(folder);
+    std::printf("a chain of %ld folders in %s\n", depth, root);
+    return 0;
+}
+
 } // namespace
 
 int main(int argc, char* argv[])
 {
+    if (argc == 4 && std::string(argv[1]) == "--chain")
+        return makeChain(argv[2], std::atol(argv[3]));
     if (argc != 2 && argc != 5) {
-        std::fprintf(stderr, "usage: %s ROOT [FILES FOLDERS MAXDEPTH]\n", argv[0]);
+        std::fprintf(stderr, "usage: %s ROOT [FILES FOLDERS MAXDEPTH] | --chain ROOT DEPTH\n",
+                     argv[0]);
         return 2;
     }
     const std::string root = argv[1];

@@ -41,6 +41,7 @@ private slots:
     void unreadableFoldersAreCounted();
     void aVolumeRootIsAddedUp();
     void detailsDialogSorting();
+    void namesMadeOfSummaryMarksShowAsTheyAre();
 
 private:
     void makeFile(const QString& relative, qint64 size);
@@ -503,6 +504,45 @@ void TestResultsScreen::detailsDialogSorting()
     opened.urls.clear();
     child<QToolButton>(&dialog, "explorerButton")->click();
     QCOMPARE(opened.urls, QList<QUrl>{QUrl::fromLocalFile("/")});
+}
+
+// Names are data, never text read back: the longest name a file system
+// allows, made of what a child summary is made of, shows at once and whole,
+// and a file is never taken for a folder of another size.
+void TestResultsScreen::namesMadeOfSummaryMarksShowAsTheyAre()
+{
+    if (QSysInfo::kernelType() == QLatin1String("winnt"))
+        QSKIP("Windows names cannot hold ':'");
+    const QString trap = "a" + QString(":0:0;a").repeated(42); // 253 bytes
+    const QString liar = QStringLiteral("x:999999999999:1;y");
+    makeFile("marks/" + trap, 9'000'000);
+    makeFile("marks/" + liar, 5'000'000);
+    auto form = scanned();
+    QDir(dir.filePath("marks")).removeRecursively();
+    QVERIFY(form);
+    auto* tree = child<QTreeView>(form.get(), "treeView");
+    const QModelIndex marks = tree->model()->index(0, 0, tree->model()->index(0, 0));
+    QCOMPARE(marks.data().toString(), QStringLiteral("marks"));
+    tree->setCurrentIndex(marks);
+    QCOMPARE(visibleLegendNames(form.get()),
+             (QStringList{"marks", DiskUsageScanProgressForm::shortenedName(trap), liar}));
+    bool liarsSizeShown = false;
+    for (QLabel* label : child<QWidget>(form.get(), "maxItemWidget")->findChildren<QLabel*>())
+        liarsSizeShown |= label->isVisible() && label->text() == QStringLiteral("4.77 MB");
+    QVERIFY(liarsSizeShown);
+
+    auto* map = child<TreemapView>(form.get(), "treemapView");
+    QSignalSpy rendered(map, &TreemapView::rendered);
+    child<QTabWidget>(form.get(), "tabWidget")->setCurrentIndex(3);
+    QVERIFY(rendered.wait());
+    const ScanTree::Index folder = FolderTreeModel::nodeOf(marks);
+    QTRY_VERIFY(!map->rectOf(folder).isEmpty());
+    const QPoint onFiles = map->rectOf(folder).center().toPoint();
+    QHelpEvent hover(QEvent::ToolTip, onFiles, map->mapToGlobal(onFiles));
+    QApplication::sendEvent(map, &hover);
+    QVERIFY(QToolTip::text().startsWith("Files in "));
+    QVERIFY(QToolTip::text().contains("  " + trap + "  8.58 MB"));
+    QVERIFY(QToolTip::text().contains("  " + liar + "  4.77 MB"));
 }
 
 QTEST_MAIN(TestResultsScreen)

@@ -174,6 +174,7 @@ private slots:
     void cancellingKeepsTheTotalsConsistent();
     void anyNumberOfReadersGivesTheSameResult();
     void foldersChangingInTheReadAheadKeepTheTotalsConsistent();
+    void theModelsShowWhatAnIndependentWalkFinds();
     void releasingFreesTheTree();
 
 private:
@@ -539,6 +540,176 @@ void TestScanWorker::foldersChangingInTheReadAheadKeepTheTotalsConsistent()
         scanRoot(), {}, [](const QString& path) { QDir(path).removeRecursively(); }, 8);
     QCOMPARE(rowsBelow(scan.root()), 8);
     expectSumsOfSubfolders(scan.root());
+}
+
+namespace {
+
+// What a plain walk of the disk finds, in the order the system lists each
+// folder, for comparison with what the views show.
+struct Reference {
+    struct Folder {
+        QString name;
+        QString path;
+        quint64 size = 0;
+        int files = 0;
+        int folders = 0;
+        std::vector<Folder> subfolders; // in listing order
+    };
+    struct File {
+        QString path;
+        quint64 size;
+    };
+    QStringList excluded;
+    QString vanishing;       // a folder that goes before the scan lists it: empty
+    std::vector<File> files; // every file in the order a depth-first walk meets it
+
+    Folder walk(const QString& path, const QString& name)
+    {
+        namespace fs = std::filesystem;
+        Folder folder{name, path, 0, 0, 0, {}};
+        if (path == vanishing)
+            return folder;
+        for (const fs::directory_entry& entry : fs::directory_iterator(platform::toNative(path))) {
+            const QString child =
+                platform::childPath(path, platform::toQString(entry.path().filename().native()));
+            const fs::file_status status = entry.symlink_status();
+            if (fs::is_directory(status)) {
+                if (excluded.contains(child))
+                    continue;
+                folder.subfolders.push_back(
+                    walk(child, platform::toQString(entry.path().filename().native())));
+                const Folder& sub = folder.subfolders.back();
+                folder.size += sub.size;
+                folder.files += sub.files;
+                folder.folders += sub.folders + 1;
+                continue;
+            }
+            const quint64 size = fs::is_symlink(status)
+                                     ? quint64(fs::read_symlink(entry.path()).native().size())
+                                     : quint64(entry.file_size());
+            files.push_back({child, size});
+            folder.size += size;
+            ++folder.files;
+        }
+        return folder;
+    }
+
+    // The rows as the folder tree shows them: pre-order, each folder's
+    // subfolders largest first, ties in listing order.
+    static void rows(const Folder& folder, quint64 parentSize, QStringList& out)
+    {
+        const double share =
+            parentSize == 0 ? 100.0 : ScanTree::percentage(folder.size, parentSize);
+        out << QStringLiteral("%1|%2|%3|%4|%5|%6")
+                   .arg(folder.name, sizeText(double(folder.size)))
+                   .arg(folder.files)
+                   .arg(folder.folders)
+                   .arg(share)
+                   .arg(folder.path);
+        std::vector<const Folder*> ordered;
+        for (const Folder& sub : folder.subfolders)
+            ordered.push_back(&sub);
+        std::stable_sort(ordered.begin(), ordered.end(),
+                         [](const Folder* a, const Folder* b) { return a->size > b->size; });
+        for (const Folder* sub : ordered)
+            rows(*sub, folder.size, out);
+    }
+
+    // The largest `limit` of some files, ties in the order met.
+    [[nodiscard]] std::vector<File> largest(const std::function<bool(const File&)>& which,
+                                            std::size_t limit) const
+    {
+        std::vector<File> chosen;
+        std::copy_if(files.begin(), files.end(), std::back_inserter(chosen), which);
+        std::stable_sort(chosen.begin(), chosen.end(),
+                         [](const File& a, const File& b) { return a.size > b.size; });
+        chosen.resize(std::min(limit, chosen.size()));
+        return chosen;
+    }
+};
+
+void shownRows(const QAbstractItemModel& model, const QModelIndex& folder, QStringList& out)
+{
+    out << QStringLiteral("%1|%2|%3|%4|%5|%6")
+               .arg(cell(folder, Name).toString(), cell(folder, SizeText).toString())
+               .arg(cell(folder, Files).toInt())
+               .arg(cell(folder, Folders).toInt())
+               .arg(cell(folder, Percentage).toDouble())
+               .arg(cell(folder, Path).toString());
+    for (int row = 0; row < model.rowCount(folder); ++row)
+        shownRows(model, model.index(row, 0, folder), out);
+}
+
+} // namespace
+
+// A tree with ties at every level, a folder that cannot be read, links and
+// an excluded folder: the folder rows, the biggest files and each category's
+// files are what a plain walk of the same disk gives.
+void TestScanWorker::theModelsShowWhatAnIndependentWalkFinds()
+{
+    for (const char* name : {"t1", "t2", "t3"}) {
+        makeFile(dir.filePath(QString("%1/a.txt").arg(name)), 300);
+        makeFile(dir.filePath(QString("%1/b.mp3").arg(name)), 300);
+        QDir().mkpath(dir.filePath(QString("%1/e1").arg(name)));
+        QDir().mkpath(dir.filePath(QString("%1/e2").arg(name)));
+    }
+    for (int file = 0; file < 30; ++file)
+        makeFile(dir.filePath(QString("many/f%1.pdf").arg(file)), 100 * (file % 4));
+    makeFile(dir.filePath("tie1.mp3"), 600);
+    makeFile(dir.filePath("tie2.mp3"), 600);
+    makeFile(dir.filePath("skip/inner/x.txt"), 5000);
+    makeFile(dir.filePath("goes/g.txt"), 700);
+    std::error_code error;
+    std::filesystem::create_directory_symlink(platform::toNative(under("t1")),
+                                              platform::toNative(under("link")), error);
+    std::filesystem::create_hard_link(platform::toNative(under("t2/a.txt")),
+                                      platform::toNative(under("many/again.txt")), error);
+    ExclusionSettings::excludeList() = {{true, under("skip")}};
+
+    Reference reference;
+    reference.excluded = QStringList{under("skip")};
+    reference.vanishing = under("goes");
+    const Reference::Folder root = reference.walk(scanRoot(), QFileInfo(dir.path()).fileName());
+    const ScanRun scan(
+        scanRoot(), {},
+        [](const QString& path) {
+            if (path.endsWith("goes"))
+                QDir(path).removeRecursively();
+        },
+        1);
+    QCOMPARE(scan.result.unreadable, QStringList{under("goes")});
+
+    QStringList expected;
+    QStringList shown;
+    Reference::rows(root, 0, expected);
+    shownRows(scan.folderModel, scan.root(), shown);
+    QCOMPARE(shown, expected);
+
+    const auto fileList = [](const std::vector<Reference::File>& files) {
+        QStringList list;
+        for (const Reference::File& file : files)
+            list << QStringLiteral("%1 %2").arg(file.path).arg(file.size);
+        return list;
+    };
+    QStringList biggest;
+    for (const TFileInfo& file : scan.biggest)
+        biggest << QStringLiteral("%1 %2").arg(file.filePath).arg(file.size);
+    QCOMPARE(biggest, fileList(reference.largest([](const auto& file) { return file.size > 0; },
+                                                 biggestFilesLimit)));
+    const std::pair<int, QStringList> kinds[] = {{1, {".mp3"}}, {5, {".pdf", ".txt"}}};
+    for (const auto& [category, extensions] : kinds) {
+        QStringList kept;
+        for (const TMainDataFile& file : scan.dataFiles[category])
+            kept << QStringLiteral("%1 %2")
+                        .arg(platform::childPath(QDir::toNativeSeparators(file.filePath),
+                                                 file.fileName))
+                        .arg(file.size);
+        QCOMPARE(kept, fileList(reference.largest(
+                           [&extensions = extensions](const auto& file) {
+                               return extensions.contains("." + QFileInfo(file.path).suffix());
+                           },
+                           dataFilesLimit)));
+    }
 }
 
 void TestScanWorker::releasingFreesTheTree()

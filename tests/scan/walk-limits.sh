@@ -1,11 +1,14 @@
 #!/usr/bin/env bash
 # The walk where a naive one goes wrong, against du and find: a bind mount of
-# an ancestor (a loop on the same file system, entered once only), and a tree
-# 1,500 folders deep under a limit of 256 open files. Bytes are du -sb -l less
-# each folder's own size; files are every entry that is not a folder.
-#   walk-limits.sh TALLYROOT-SCAN
+# an ancestor (a loop on the same file system, entered once only), a tree
+# 1,500 folders deep under a limit of 256 open files, and a chain 20,000 deep
+# scanned, written as JSON and shown under a 512 KiB stack. Bytes are du -sb -l
+# less each folder's own size; files are every entry that is not a folder.
+#   walk-limits.sh TALLYROOT-SCAN MAKETREE [RESULTS-BENCH]
 set -euo pipefail
 scan=$1
+maketree=$2
+results=${3:-}
 # A bind mount needs a mount namespace of our own: as root, the script runs
 # again in one; without it the bind mount case is skipped.
 if [ "$(id -u)" -eq 0 ] && [ -z "${TALLYROOT_IN_NAMESPACE:-}" ] && unshare -m true 2>/dev/null; then
@@ -46,6 +49,20 @@ for _ in $(seq 1500); do level+=n/; sides+=("${level}side"); done
 for threads in 1 4; do
     count "$(ulimit -n 256; compare "deep tree, $threads readers, 256 descriptors" "$work/deep" $threads)"
 done
+
+# 20,000 levels, a file every 100: nothing in the scan, the JSON or the
+# results screen may recurse once per level.
+"$maketree" --chain "$work/chain" 20000 >/dev/null
+count "$(ulimit -s 512; compare "chain of 20,000, 512 KiB stack" "$work/chain")"
+json=$( (ulimit -s 512; "$scan" --defaults --json "$work/chain.json" "$work/chain" >/dev/null) &&
+    grep -o '"depth":[0-9]*' "$work/chain.json" | sort -t: -k2 -n | uniq | wc -l)
+count "$([ "$json" = 20001 ] && echo ok || echo "chain JSON: $json depths, not 20001")"
+rm -f "$work/chain.json"
+if [ -n "$results" ]; then
+    shown=$( (ulimit -s 512; QT_QPA_PLATFORM=offscreen "$results" --map "$work/chain" 2>/dev/null) || true)
+    count "$(grep -q '^results .* release ' <<<"$shown" && echo ok ||
+        echo "chain on the results screen, 512 KiB stack: ${shown:-no figures}")"
+fi
 
 mkdir -p "$work/loop/inner/again"
 printf 'abc' > "$work/loop/file"
