@@ -1,3 +1,4 @@
+#include "platform/NativeText.h"
 #include "results/TreemapLayout.h"
 #include "results/TreemapPainter.h"
 
@@ -15,7 +16,7 @@ using Cell = TreemapLayout::Cell;
 // children holds a file of its size, which the map shows as its files block.
 ScanTree treeOf(const std::vector<quint64>& sizes, const std::vector<std::vector<int>>& children)
 {
-    ScanTree tree(QStringLiteral("/map"), "map");
+    ScanTree tree(QStringLiteral("/map"), platform::toNative(QStringLiteral("map")));
     std::vector<std::pair<int, ScanTree::Index>> pending{{0, 0}};
     const std::vector<int> none;
     while (!pending.empty()) {

@@ -142,7 +142,7 @@ ScanTree::Index addChildren(ScanTree& tree, ScanTree::Index folder,
 // tree, never from text: a name may hold anything a summary is made of.
 void TestScanRecords::aTreeKeepsItsLargestChildrenAsData()
 {
-    ScanTree tree(QStringLiteral("/scan"), "scan");
+    ScanTree tree(QStringLiteral("/scan"), platform::toNative(QStringLiteral("scan")));
     const QString trap = "a" + QString(":0:0;a").repeated(50);
     const ScanTree::Index first = addChildren(tree, 0,
                                               {{"Music", 3000, true},
