@@ -1,6 +1,7 @@
 // tallyroot-scan: the scan engine on one folder, from the command line. Needs
 // no display.
 
+#include "platform/NativeText.h"
 #include "scan/DiskUsageWorkerThread.h"
 #include "scan/ScanJsonWriter.h"
 #include "scan/VolumeReconciliation.h"
@@ -10,8 +11,7 @@
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QElapsedTimer>
-#include <QFile>
-#include <QFileInfo>
+#include <QSaveFile>
 
 #include <cstdio>
 #include <cstdlib>
@@ -76,7 +76,7 @@ int main(int argc, char* argv[])
          "N"},
     });
     parser.addPositionalArgument("folder", "The folder to scan.");
-    parser.process(app);
+    parser.process(platform::arguments(argc, argv));
     if (parser.isSet(version)) {
         std::printf("tallyroot-scan %s\n", TALLYROOT_VERSION);
         return 0;
@@ -90,7 +90,7 @@ int main(int argc, char* argv[])
         return 2;
     }
     const QString path = parser.positionalArguments().constFirst();
-    if (!QFileInfo(path).isDir())
+    if (!platform::DirectoryListing::isFolder(platform::toNative(path)))
         fail("not a folder: " + path);
 
     ScanRequest request = requestFor(path, parser.isSet("defaults"), parser.values("exclude"));
@@ -101,10 +101,12 @@ int main(int argc, char* argv[])
             fail("--threads takes a whole number from 1 up");
     }
     // A file that cannot be written is found before the scan, not after it.
-    std::optional<QFile> json;
+    // It is written beside its place and takes it only once whole, so that a
+    // failed write leaves the file that was there.
+    std::optional<QSaveFile> json;
     if (parser.isSet("json")) {
         json.emplace(parser.value("json"));
-        if (!json->open(QIODevice::WriteOnly | QIODevice::Truncate))
+        if (!json->open(QIODevice::WriteOnly))
             fail("cannot write " + json->fileName());
     }
 
@@ -127,12 +129,20 @@ int main(int argc, char* argv[])
         std::printf("%s\n", qPrintable(volume->text()));
 
     int status = 0;
-    if (json && !(ScanJsonWriter(path, result).write(*json) && json->flush())) {
-        std::fprintf(stderr, "tallyroot-scan: cannot write %s\n", qPrintable(json->fileName()));
+    if (json) {
+        const bool written = ScanJsonWriter(path, result).write(*json);
+        if (!written)
+            json->cancelWriting(); // commit() then takes the temporary file away
+        if (!json->commit() || !written) {
+            std::fprintf(stderr, "tallyroot-scan: cannot write %s\n", qPrintable(json->fileName()));
+            status = 1;
+        }
+    }
+    if (std::fflush(stdout) != 0 || std::ferror(stdout)) {
+        std::fprintf(stderr, "tallyroot-scan: write error\n");
         status = 1;
     }
     // Freeing a large result item by item takes longer than the scan's last
     // second; the system takes the memory back at once.
-    std::fflush(stdout);
     std::_Exit(status);
 }

@@ -75,6 +75,8 @@ public:
     // How many listings this process may hold open at once (Linux: the limit
     // on open files, raised as far as it goes).
     [[nodiscard]] static std::size_t openLimit();
+    // Whether a path leads to a folder (following links).
+    [[nodiscard]] static bool isFolder(const NativeString& path);
     // Asks the system for the identity of the folder at a path; none when it
     // cannot tell.
     [[nodiscard]] static std::optional<FolderIdentity> identityOf(const NativeString& path);

@@ -6,11 +6,24 @@
 #include <QLoggingCategory>
 
 #include <algorithm>
+#include <limits>
 
 Q_LOGGING_CATEGORY(lcWorker, "tallyroot.scan", QtInfoMsg)
 
 using DiskUsageGlobal::TFileInfo;
 using DiskUsageGlobal::TMainDataFile;
+
+namespace {
+
+// Sparse files can claim up to 2^63 bytes each: a total that would pass the
+// largest value stays at it rather than wrap.
+template <typename Number> void addSaturating(Number& total, Number amount)
+{
+    if (__builtin_add_overflow(total, amount, &total))
+        total = std::numeric_limits<Number>::max();
+}
+
+} // namespace
 
 // One folder of the walk, from the moment it is entered until it is finished.
 struct DiskUsageWorkerThread::Frame {
@@ -109,8 +122,8 @@ void DiskUsageWorkerThread::walk(FolderReadAhead& readAhead)
             return;
         }
         Frame& parent = stack.back();
-        parent.size += done.size;
-        parent.onDisk += done.onDisk;
+        addSaturating(parent.size, done.size);
+        addSaturating(parent.onDisk, done.onDisk);
         parent.files += done.files;
         parent.folders += done.folders;
     }
@@ -200,9 +213,9 @@ void DiskUsageWorkerThread::addEntry(FolderReadAhead& readAhead, std::vector<Fra
 void DiskUsageWorkerThread::addFile(Frame& frame, const FolderReadAhead::Entry& entry, Index node)
 {
     ++frame.files;
-    frame.size += entry.size;
+    addSaturating(frame.size, quint64(entry.size));
     if (entry.linkedFile == 0 || linkedFilesSeen.insert(entry.linkedFile).second)
-        frame.onDisk += entry.allocated;
+        addSaturating(frame.onDisk, quint64(entry.allocated));
 
     QList<TFileInfo>& biggest = result.biggestFiles;
     if (entry.size > sizeFloor) {
@@ -240,7 +253,7 @@ void DiskUsageWorkerThread::addDataFile(Index file)
                                      index,
                                      file};
             });
-        result.categories[category].totalSize += size;
+        addSaturating(result.categories[category].totalSize, size);
     }
 }
 

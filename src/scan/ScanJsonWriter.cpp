@@ -78,6 +78,12 @@ char shortEscape(char16_t code)
     }
 }
 
+// A full disk shows as a short write, not as an error.
+bool writeAll(QIODevice& device, const QByteArray& bytes)
+{
+    return device.write(bytes) == bytes.size();
+}
+
 } // namespace
 
 // As Qt's JSON writer quotes a string, byte for byte, so that the output stays
@@ -122,15 +128,15 @@ ScanJsonWriter::ScanJsonWriter(const QString& scanPath, const ScanResult& result
 
 bool ScanJsonWriter::write(QIODevice& device) const
 {
-    bool written = device.write("{\"biggestFiles\":" + biggestFiles() +
-                                ",\"categories\":" + categories() + ",\"folders\":") >= 0;
+    bool written = writeAll(device, "{\"biggestFiles\":" + biggestFiles() +
+                                        ",\"categories\":" + categories() + ",\"folders\":");
     written = written && writeFolders(device);
     const QByteArray rest =
         ",\"itemsScanned\":" + QByteArray::number(result.itemsScanned) +
         ",\"path\":" + compact(QJsonValue(scanPath)) +
         ",\"totalSubFolders\":" + QByteArray::number(result.totalSubFolders) +
         ",\"unreadable\":" + compact(QJsonArray::fromStringList(result.unreadable)) + "}";
-    return written && device.write(rest) >= 0;
+    return written && writeAll(device, rest);
 }
 
 // One folder's object, its keys in alphabetical order.
@@ -147,12 +153,12 @@ void ScanJsonWriter::appendFolder(QByteArray& out, ScanTree::Index folder, int d
     appendString(out, tree.childSummary(folder));
     out += ",\"name\":";
     appendString(out, tree.nameText(folder));
-    out += ",\"onDisk\":" + QByteArray::number(qint64(node.onDisk));
+    out += ",\"onDisk\":" + QByteArray::number(quint64(node.onDisk));
     out += ",\"path\":";
     appendString(out, path);
     out += ",\"percentage\":" +
            QByteArray::number(tree.percentage(folder), 'g', QLocale::FloatingPointShortest);
-    out += ",\"size\":" + QByteArray::number(qint64(node.size));
+    out += ",\"size\":" + QByteArray::number(quint64(node.size));
     out += ",\"sizeText\":";
     appendString(out, DiskUsageGlobal::sizeText(double(node.size)));
     out += '}';
@@ -192,14 +198,14 @@ bool ScanJsonWriter::writeFolders(QIODevice& device) const
             for (auto child = children.rbegin(); child != children.rend(); ++child)
                 pending.push_back({*child, next.depth + 1});
             if (out.size() >= flushAt) {
-                if (device.write(out) < 0)
+                if (!writeAll(device, out))
                     return false;
                 out.clear();
             }
         }
     }
     out += ']';
-    return device.write(out) >= 0;
+    return writeAll(device, out);
 }
 
 QByteArray ScanJsonWriter::biggestFiles() const

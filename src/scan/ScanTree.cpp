@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <limits>
 
 static_assert(sizeof(ScanTree::Node) == 64, "a node is meant to fill one cache line");
 
@@ -141,7 +142,10 @@ double ScanTree::percentage(std::uint64_t child, std::uint64_t parent)
 {
     if (child == 0)
         return 0.0;
-    const double share = double(child * 100) / double(parent);
+    // Beyond a hundredth of the largest size, child * 100 would wrap.
+    constexpr std::uint64_t exact = std::numeric_limits<std::uint64_t>::max() / 100;
+    const double share = child <= exact ? double(child * 100) / double(parent)
+                                        : double(child) * 100.0 / double(parent);
     return static_cast<std::int32_t>(share * 100.0) / 100.0;
 }
 

@@ -70,5 +70,17 @@ check "JSON of 1 and 2 readers" "$(cmp -s "$out/1.json" "$out/2.json"; echo $?)"
 check "JSON of 1 and 8 readers" "$(cmp -s "$out/1.json" "$out/8.json"; echo $?)" 0
 check "unreadable folders in the JSON" "$(grep -c '"unreadable":\[".*locked/inside"\]' "$out/1.json")" \
       "$([ "$(id -u)" -ne 0 ] || command -v setpriv >/dev/null && echo 1 || echo 0)"
+
+# A folder that may be listed but not searched: its names show, nothing about
+# them does. As nobody it is not read in full, and says so.
+if [ "$(id -u)" -eq 0 ] && command -v setpriv >/dev/null; then
+    mkdir -p "$work/listable/names" && printf 'abc' > "$work/listable/names/file"
+    chmod 755 "$work/listable" && chmod 744 "$work/listable/names"
+    summary=$(run "$scan" --defaults "$work/listable" 2>/dev/null)
+    check "a folder listed but not searched, unreadable" \
+          "$(grep -c 'unreadable folders: 1$' <<<"$summary")" 1
+else
+    echo "a folder listed but not searched: skipped (needs root to act as another user)"
+fi
 echo "$passed passed, $failed failed"
 [ "$failed" -eq 0 ]

@@ -102,6 +102,14 @@ NativeString toNative(const QString& text)
 }
 
 // A folder that ends in "/" (the root) takes no second one.
+QStringList arguments(int argc, char* argv[])
+{
+    QStringList given;
+    for (int index = 0; index < argc; ++index)
+        given << toQString(NativeString(argv[index]));
+    return given;
+}
+
 QString childPath(const QString& folder, const QString& name)
 {
     return folder.endsWith('/') ? folder + name : folder + '/' + name;

@@ -162,6 +162,12 @@ std::optional<std::uint64_t> DirectoryListing::mount() const
     return state ? state->mount : std::nullopt;
 }
 
+bool DirectoryListing::isFolder(const NativeString& path)
+{
+    struct stat info {};
+    return stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
+}
+
 std::optional<FolderIdentity> DirectoryListing::identityOf(const NativeString& path)
 {
     struct stat info {};
@@ -215,9 +221,13 @@ bool DirectoryListing::next(DirectoryEntry& entry)
             return true;
         }
         struct stat info {};
-        // An entry that vanished since the folder was read is not there any more.
-        if (fstatat(state->fd, name, &info, AT_SYMLINK_NOFOLLOW) != 0)
+        if (fstatat(state->fd, name, &info, AT_SYMLINK_NOFOLLOW) != 0) {
+            // An entry that vanished since the folder was read is not there
+            // any more; one that cannot be looked at (a folder that may be
+            // listed but not searched) leaves the folder not read in full.
+            failure = failure || errno != ENOENT;
             continue;
+        }
         entry.isDirectory = S_ISDIR(info.st_mode);
         entry.size = entry.isDirectory ? 0 : static_cast<std::uint64_t>(info.st_size);
         entry.lastAccessTime = entry.isDirectory ? 0 : fileTimeOf(info.st_atim);

@@ -4,9 +4,14 @@
 
 #include <QString>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
+#include <ctime>
+#include <dirent.h>
 #include <fcntl.h>
+#include <memory>
+#include <string_view>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -172,6 +177,50 @@ void syncDirectory(const std::string& dir)
         ::fsync(fd.get());
 }
 
+// Through a symbolic link: the file it leads to is the one replaced.
+std::string resolved(const std::string& path)
+{
+    std::string target = path;
+    if (char* real = ::realpath(path.c_str(), nullptr)) {
+        target = real;
+        std::free(real);
+    }
+    return target;
+}
+
+std::string folderOf(const std::string& path)
+{
+    const auto slash = path.rfind('/');
+    return slash == std::string::npos ? std::string(".")
+                                      : path.substr(0, std::max<std::size_t>(slash, 1));
+}
+
+struct DirCloser {
+    void operator()(DIR* dir) const { ::closedir(dir); }
+};
+
+// A save cut short (the process killed between writing its temporary file
+// and renaming it) leaves the temporary behind; one a minute old belongs to
+// no save any more.
+void removeStaleTemporaries(const std::string& target)
+{
+    constexpr std::time_t stale = 60;
+    const std::string prefix = target.substr(target.rfind('/') + 1) + ".";
+    const std::unique_ptr<DIR, DirCloser> dir(::opendir(folderOf(target).c_str()));
+    if (!dir)
+        return;
+    const std::time_t now = std::time(nullptr);
+    while (const dirent* entry = ::readdir(dir.get())) {
+        const std::string_view name = entry->d_name;
+        if (name.size() != prefix.size() + 6 || name.substr(0, prefix.size()) != prefix)
+            continue;
+        struct stat info {};
+        if (::fstatat(::dirfd(dir.get()), entry->d_name, &info, AT_SYMLINK_NOFOLLOW) == 0 &&
+            S_ISREG(info.st_mode) && now - info.st_mtime > stale)
+            ::unlinkat(::dirfd(dir.get()), entry->d_name, 0);
+    }
+}
+
 } // namespace
 
 SettingsFile::SettingsFile(std::string path)
@@ -182,6 +231,7 @@ bool SettingsFile::load()
 {
     lines.clear();
     lineOfName.clear();
+    removeStaleTemporaries(resolved(filePath));
     FileDescriptor fd(::open(filePath.c_str(), O_RDONLY | O_CLOEXEC));
     if (!fd.isValid()) {
         if (errno != ENOENT)
@@ -216,15 +266,9 @@ void SettingsFile::index(std::size_t line)
 
 bool SettingsFile::save() const
 {
-    // Through a symbolic link: the file it leads to is the one replaced.
-    std::string target = filePath;
-    if (char* resolved = ::realpath(filePath.c_str(), nullptr)) {
-        target = resolved;
-        std::free(resolved);
-    }
-    const auto slash = target.rfind('/');
-    const std::string dir = slash == std::string::npos ? std::string(".") : target.substr(0, slash);
-    if (slash != std::string::npos && slash > 0 && !makeDirectories(dir))
+    const std::string target = resolved(filePath);
+    const std::string dir = folderOf(target);
+    if (dir != "." && dir != "/" && !makeDirectories(dir))
         return false;
 
     std::string content;

@@ -130,6 +130,12 @@ std::optional<std::uint64_t> DirectoryListing::mount() const
     return std::nullopt;
 }
 
+bool DirectoryListing::isFolder(const NativeString& path)
+{
+    const DWORD attributes = GetFileAttributesW(path.c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY);
+}
+
 std::optional<FolderIdentity> DirectoryListing::identityOf(const NativeString& path)
 {
     // No access is asked for, only the folder's information.

@@ -26,6 +26,7 @@ private slots:
     void anUnreadableFileGivesDefaultsAndIsNotReplaced();
     void anUnusableConfigFolderGivesDefaults();
     void aWriteLeavesNoTemporaryFileBehind();
+    void temporariesOfASaveCutShortAreRemovedWhenLoading();
     void aLinkedFileIsWrittenThroughAndKeepsItsMode();
     void aBatchWritesTheFileOnce();
     void namesThatAreNotUtf8ReachTheDesktopAsTheyAre();
@@ -155,6 +156,27 @@ void TestPosixBackend::aWriteLeavesNoTemporaryFileBehind()
     const QStringList entries = QDir(configHome() + "/Tallyroot").entryList(QDir::Files);
     QCOMPARE(entries, QStringList{"Tallyroot.conf"});
     QCOMPARE(SettingsStore::readDword("FileTypeData19"), std::optional<quint32>(19));
+}
+
+void TestPosixBackend::temporariesOfASaveCutShortAreRemovedWhenLoading()
+{
+    writeSettingsFile("posX=dword:40\n");
+    const QString folder = configHome() + "/Tallyroot/";
+    const auto leave = [&folder](const QString& name, qint64 secondsAgo) {
+        QFile file(folder + name);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("posX=dword:1\n");
+        QVERIFY(file.flush());
+        QVERIFY(file.setFileTime(QDateTime::currentDateTime().addSecs(-secondsAgo),
+                                 QFileDevice::FileModificationTime));
+    };
+    leave("Tallyroot.conf.aB3dE9", 3600); // a killed save's
+    leave("Tallyroot.conf.Zq81xP", 0);    // a save going on now
+    leave("Tallyroot.conf.bak", 3600);    // not one of ours
+    QCOMPARE(SettingsStore::readDword("posX"), std::optional<quint32>(40));
+    const QStringList left = QDir(folder).entryList(QDir::Files);
+    QCOMPARE(QSet<QString>(left.begin(), left.end()),
+             (QSet<QString>{"Tallyroot.conf", "Tallyroot.conf.Zq81xP", "Tallyroot.conf.bak"}));
 }
 
 void TestPosixBackend::aLinkedFileIsWrittenThroughAndKeepsItsMode()

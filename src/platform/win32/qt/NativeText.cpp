@@ -1,5 +1,7 @@
 #include "../../NativeText.h"
 
+#include <QCoreApplication>
+
 namespace platform {
 
 QString toQString(const NativeString& text)
@@ -14,6 +16,12 @@ NativeString toNative(const QString& text)
 
 // Always one backslash, even after a folder that ends in a separator: the file
 // system reads "C:\\Windows" and "C:/\Windows" alike.
+// Qt reads the wide command line; argv holds only its ANSI form.
+QStringList arguments(int, char*[])
+{
+    return QCoreApplication::arguments();
+}
+
 QString childPath(const QString& folder, const QString& name)
 {
     return folder + '\\' + name;
