@@ -101,11 +101,14 @@ int main(int argc, char* argv[])
             fail("--threads takes a whole number from 1 up");
     }
     // A file that cannot be written is found before the scan, not after it.
-    // It is written beside its place and takes it only once whole, so that a
-    // failed write leaves the file that was there.
+    // A file is written beside its place and takes it only once whole, so
+    // that a failed write leaves the file that was there.
     std::optional<QSaveFile> json;
     if (parser.isSet("json")) {
         json.emplace(parser.value("json"));
+        // A pipe, a device or a file in a folder that takes no new files is
+        // written directly.
+        json->setDirectWriteFallback(true);
         if (!json->open(QIODevice::WriteOnly))
             fail("cannot write " + json->fileName());
     }

@@ -4,8 +4,6 @@
 #include "platform/Shell.h"
 #include "scan/DiskUsageGlobal.h"
 
-#include <QDir>
-
 #include <algorithm>
 
 using namespace FolderColumn;
@@ -75,6 +73,8 @@ QModelIndex FolderTreeModel::index(int row, int column, const QModelIndex& paren
         return {};
     if (!parent.isValid())
         return row == 0 ? createIndex(0, column, quintptr(0)) : QModelIndex();
+    if (parent.column() != 0)
+        return {};
     const std::vector<Index>& children = rowsOf(nodeOf(parent));
     if (std::size_t(row) >= children.size())
         return {};
@@ -117,11 +117,6 @@ Qt::ItemFlags FolderTreeModel::flags(const QModelIndex& index) const
     return index.isValid() ? Qt::ItemIsSelectable | Qt::ItemIsEnabled : Qt::NoItemFlags;
 }
 
-QString FolderTreeModel::pathOf(Index node) const
-{
-    return node == 0 ? QDir::toNativeSeparators(scan->rootPath()) : scan->path(node);
-}
-
 QVariant FolderTreeModel::data(const QModelIndex& index, int role) const
 {
     if (!scan || !index.isValid())
@@ -151,11 +146,11 @@ QVariant FolderTreeModel::value(Index node, int column) const
     case Size:
         return QVariant::fromValue<qulonglong>(folder.size);
     case Path:
-        return pathOf(node);
+        return scan->shownPath(node);
     case Percentage:
         return scan->percentage(node);
     case MaxData:
-        return scan->childSummary(node);
+        return scan->childSummary(node, scan->largestChildren(node, ScanTree::summaryLimit));
     case FolderColumn::Index:
         return int(folder.finished);
     case OnDisk:

@@ -50,7 +50,6 @@ private:
     const std::vector<Index>& rowsOf(Index folder) const;
     [[nodiscard]] int rowOf(Index folder) const;
     [[nodiscard]] QVariant value(Index node, int column) const;
-    [[nodiscard]] QString pathOf(Index node) const;
 
     std::shared_ptr<const ScanTree> scan;
     QString oneDrive;

@@ -5,6 +5,12 @@
 
 namespace {
 
+// Totals of sparse files stop at the largest size; so does their sum here.
+std::uint64_t addSaturating(std::uint64_t total, std::uint64_t amount)
+{
+    return __builtin_add_overflow(total, amount, &total) ? ~std::uint64_t(0) : total;
+}
+
 // The worse aspect ratio in a row of areas laid along a side of the given length.
 double worstRatio(double sum, double smallest, double largest, double side)
 {
@@ -70,7 +76,7 @@ std::uint64_t TreemapLayout::sizeOf(const ScanTree& tree, Block block)
         return tree.node(folder).size;
     std::uint64_t inSubfolders = 0;
     for (ScanTree::Index child : tree.shownSubfolders(folder))
-        inSubfolders += tree.node(child).size;
+        inSubfolders = addSaturating(inSubfolders, tree.node(child).size);
     const std::uint64_t size = tree.node(folder).size;
     return size > inSubfolders ? size - inSubfolders : 0;
 }
@@ -82,7 +88,7 @@ std::vector<TreemapLayout::Child> TreemapLayout::childrenOf(const ScanTree& tree
     std::uint64_t inSubfolders = 0;
     for (ScanTree::Index child : tree.shownSubfolders(folder)) {
         children.push_back({child, tree.node(child).size, 0});
-        inSubfolders += tree.node(child).size;
+        inSubfolders = addSaturating(inSubfolders, tree.node(child).size);
     }
     std::stable_sort(children.begin(), children.end(),
                      [](const Child& a, const Child& b) { return a.size > b.size; });

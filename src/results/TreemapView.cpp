@@ -3,7 +3,6 @@
 #include "TreemapPainter.h"
 #include "scan/DiskUsageGlobal.h"
 
-#include <QDir>
 #include <QHelpEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -17,13 +16,6 @@ namespace {
 
 constexpr int resizePauseMs = 150;
 constexpr int filesInToolTip = 5;
-// The files of a block are named from among its folder's largest children.
-constexpr std::size_t largestKept = 10;
-
-QString pathOf(const ScanTree& tree, ScanTree::Index folder)
-{
-    return folder == 0 ? QDir::toNativeSeparators(tree.rootPath()) : tree.path(folder);
-}
 
 } // namespace
 
@@ -66,7 +58,7 @@ void TreemapView::setSource(std::shared_ptr<const ScanTree> source)
     if (isVisible())
         render();
     if (tree)
-        emit zoomChanged(pathOf(*tree, 0));
+        emit zoomChanged(tree->shownPath(0));
 }
 
 void TreemapView::clear()
@@ -210,7 +202,7 @@ void TreemapView::zoomTo(ScanTree::Index folder)
         return;
     top = folder;
     render();
-    emit zoomChanged(pathOf(*tree, folder));
+    emit zoomChanged(tree->shownPath(folder));
 }
 
 void TreemapView::setHighlighted(ScanTree::Index folder)
@@ -241,7 +233,7 @@ QString TreemapView::toolTipFor(TreemapLayout::Block block) const
     const ScanTree::Node& node = tree->node(folder);
     const quint64 size = TreemapLayout::sizeOf(*tree, block);
     const double share = 100.0 * double(size) / double(std::max<quint64>(1, tree->node(0).size));
-    const QString path = pathOf(*tree, folder);
+    const QString path = tree->shownPath(folder);
     const QString shareText = QStringLiteral("%1% of the scanned folder").arg(share, 0, 'f', 2);
     if (!TreemapLayout::isFiles(block)) {
         return QStringLiteral("%1\n%2\n%3 files, %4 folders\n%5")
@@ -252,12 +244,7 @@ QString TreemapView::toolTipFor(TreemapLayout::Block block) const
     }
     QStringList lines{QStringLiteral("Files in %1").arg(path),
                       DiskUsageGlobal::sizeText(double(size)), shareText};
-    int listed = 0;
-    for (ScanTree::Index child : tree->largestChildren(folder, largestKept)) {
-        if (tree->node(child).isFolder())
-            continue;
-        if (listed++ == filesInToolTip)
-            break;
+    for (ScanTree::Index child : tree->largestChildren(folder, filesInToolTip, true)) {
         lines << QStringLiteral("  %1  %2")
                      .arg(tree->nameText(child),
                           DiskUsageGlobal::sizeText(double(tree->node(child).size)));

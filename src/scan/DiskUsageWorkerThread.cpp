@@ -138,8 +138,10 @@ DiskUsageWorkerThread::Frame DiskUsageWorkerThread::enter(FolderReadAhead& readA
         emit updateScanProgress();
     }
     readAhead.take(*folder);
+    // A folder with more entries than the tree has room for is not read.
+    const bool added = addChildren(*folder, node);
     ScanTree::Node& shown = tree->node(node);
-    if (folder->failed) {
+    if (folder->failed || !added) {
         shown.flags |= ScanTree::Unreadable;
         result.unreadable.append(tree->path(node));
     }
@@ -149,19 +151,22 @@ DiskUsageWorkerThread::Frame DiskUsageWorkerThread::enter(FolderReadAhead& readA
     }
     if (folder->loops)
         shown.flags |= ScanTree::Loop;
-    addChildren(*folder, node);
     Frame frame;
     frame.onDisk = folder->allocated;
     frame.folder = std::move(folder);
     frame.node = node;
     frame.depth = depth;
+    if (!added)
+        frame.nextEntry = frame.folder->entries.size();
     return frame;
 }
 
 // Every entry of a folder read becomes a node at once, so that a folder's
 // children stand together; the walk then counts them one by one.
-void DiskUsageWorkerThread::addChildren(const FolderReadAhead::Folder& folder, Index node)
+bool DiskUsageWorkerThread::addChildren(const FolderReadAhead::Folder& folder, Index node)
 {
+    if (folder.entries.size() > ScanTree::maxNodes - tree->size())
+        return false;
     const Index first = tree->addChildren(node, Index(folder.entries.size()));
     std::size_t subfolder = 0;
     for (std::size_t ordinal = 0; ordinal < folder.entries.size(); ++ordinal) {
@@ -182,6 +187,7 @@ void DiskUsageWorkerThread::addChildren(const FolderReadAhead::Folder& folder, I
         if (met.excluded)
             added.flags |= ScanTree::Excluded;
     }
+    return true;
 }
 
 void DiskUsageWorkerThread::addEntry(FolderReadAhead& readAhead, std::vector<Frame>& stack)

@@ -52,7 +52,8 @@ private:
     void walk(FolderReadAhead& readAhead);
     [[nodiscard]] Frame enter(FolderReadAhead& readAhead, FolderReadAhead::FolderPtr folder,
                               Index node, int depth);
-    void addChildren(const FolderReadAhead::Folder& folder, Index node);
+    // False when the tree has no room for them.
+    [[nodiscard]] bool addChildren(const FolderReadAhead::Folder& folder, Index node);
     void addEntry(FolderReadAhead& readAhead, std::vector<Frame>& stack);
     void addFile(Frame& frame, const FolderReadAhead::Entry& entry, Index node);
     void addDataFile(Index file);

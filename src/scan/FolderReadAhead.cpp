@@ -39,6 +39,7 @@ FolderReadAhead::~FolderReadAhead()
     readerWake.notify_all();
     for (std::thread& reader : readers)
         reader.join();
+    free({std::move(rootFolder)});
 }
 
 void FolderReadAhead::take(Folder& folder)
@@ -65,11 +66,27 @@ void FolderReadAhead::release(Folder& folder)
     entries.swap(folder.entries);
     names.swap(folder.names);
     subfolders.swap(folder.subfolders);
+    free(std::move(subfolders));
     std::lock_guard lock(mutex);
     --foldersHeld;
     bytesHeld -= folder.bytes;
     if (idleReaders > 0)
         readerWake.notify_one();
+}
+
+// Folders read ahead but never entered (after a cancel) hold the folders read
+// below them: let go of them one at a time, not one inside the other.
+void FolderReadAhead::free(std::vector<FolderPtr> folders)
+{
+    while (!folders.empty()) {
+        FolderPtr last = std::move(folders.back());
+        folders.pop_back();
+        if (last && last.use_count() == 1) {
+            std::atomic_thread_fence(std::memory_order_acquire);
+            for (FolderPtr& below : last->subfolders)
+                folders.push_back(std::move(below));
+        }
+    }
 }
 
 bool FolderReadAhead::roomToRead() const
@@ -100,8 +117,10 @@ void FolderReadAhead::readerLoop()
 FolderReadAhead::Ancestry::~Ancestry()
 {
     std::shared_ptr<const Ancestry> above = std::move(parent);
-    while (above && above.use_count() == 1)
+    while (above && above.use_count() == 1) {
+        std::atomic_thread_fence(std::memory_order_acquire);
         above = std::move(above->parent);
+    }
 }
 
 // Where opening a folder told its identity (Linux), a folder is compared with

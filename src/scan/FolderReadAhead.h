@@ -113,6 +113,7 @@ public:
 
 private:
     void readerLoop();
+    static void free(std::vector<FolderPtr> folders);
     void read(Folder& folder);
     [[nodiscard]] std::shared_ptr<platform::DirectoryListing> open(Folder& folder) const;
     [[nodiscard]] static platform::DirectoryListing reopen(const Folder& folder);

@@ -2,7 +2,6 @@
 
 #include "platform/NativeText.h"
 
-#include <QDir>
 #include <QIODevice>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -149,8 +148,20 @@ void ScanJsonWriter::appendFolder(QByteArray& out, ScanTree::Index folder, int d
     out += ",\"files\":" + QByteArray::number(int(node.files));
     out += ",\"folders\":" + QByteArray::number(int(node.folders));
     out += ",\"index\":" + QByteArray::number(int(node.finished));
-    out += ",\"maxData\":";
-    appendString(out, tree.childSummary(folder));
+    const std::vector<ScanTree::Index> largest =
+        tree.largestChildren(folder, ScanTree::summaryLimit);
+    // The same children as maxData names, as data: a name may hold ':' and ';'.
+    out += ",\"largestChildren\":[";
+    for (std::size_t rank = 0; rank < largest.size(); ++rank) {
+        const ScanTree::Node& child = tree.node(largest[rank]);
+        out += rank == 0 ? "{\"kind\":" : ",{\"kind\":";
+        out += child.isFolder() ? "\"folder\"" : "\"file\"";
+        out += ",\"name\":";
+        appendString(out, tree.nameText(largest[rank]));
+        out += ",\"size\":" + QByteArray::number(quint64(child.size)) + '}';
+    }
+    out += "],\"maxData\":";
+    appendString(out, tree.childSummary(folder, largest));
     out += ",\"name\":";
     appendString(out, tree.nameText(folder));
     out += ",\"onDisk\":" + QByteArray::number(quint64(node.onDisk));
@@ -185,7 +196,7 @@ bool ScanJsonWriter::writeFolders(QIODevice& device) const
             const Pending next = pending.back();
             pending.pop_back();
             if (next.depth == 0) {
-                appendFolder(out, 0, 0, QDir::toNativeSeparators(path));
+                appendFolder(out, 0, 0, tree.shownPath(0));
             } else {
                 path.truncate(pathEnds[std::size_t(next.depth - 1)]);
                 tree.appendChildPath(path, next.folder, next.depth == 1);
@@ -200,7 +211,7 @@ bool ScanJsonWriter::writeFolders(QIODevice& device) const
             if (out.size() >= flushAt) {
                 if (!writeAll(device, out))
                     return false;
-                out.clear();
+                out.truncate(0); // keeps its room
             }
         }
     }

@@ -49,10 +49,23 @@ QString ScanTree::path(Index index) const
     std::vector<Index> chain;
     for (Index above = index; above != 0; above = nodes[above].parent)
         chain.push_back(above);
-    QString joined = root;
-    for (auto step = chain.rbegin(); step != chain.rend(); ++step)
-        appendChildPath(joined, *step, step == chain.rbegin());
-    return joined;
+    if (chain.empty())
+        return root;
+    // The names below the scanned folder are joined as the system gives them
+    // and turned into text once.
+    const auto separator = platform::NativeString::value_type(QDir::separator().unicode());
+    platform::NativeString below;
+    for (auto step = chain.rbegin(); step != chain.rend(); ++step) {
+        if (!below.empty())
+            below += separator;
+        below += name(*step);
+    }
+    return platform::childPath(root, platform::toQString(below));
+}
+
+QString ScanTree::shownPath(Index index) const
+{
+    return index == 0 ? QDir::toNativeSeparators(root) : path(index);
 }
 
 // Only the scanned folder's path may end in a separator: below it, a name is
@@ -76,7 +89,8 @@ std::vector<ScanTree::Index> ScanTree::shownSubfolders(Index folder) const
     return shown;
 }
 
-std::vector<ScanTree::Index> ScanTree::largestChildren(Index folder, std::size_t limit) const
+std::vector<ScanTree::Index> ScanTree::largestChildren(Index folder, std::size_t limit,
+                                                       bool filesOnly) const
 {
     std::vector<Index> ranked;
     ranked.reserve(limit + 1);
@@ -96,7 +110,7 @@ std::vector<ScanTree::Index> ScanTree::largestChildren(Index folder, std::size_t
         if (!nodes[child].isFolder())
             offer(child);
     }
-    for (Index child = parent.firstChild; child < end; ++child) {
+    for (Index child = parent.firstChild; child < end && !filesOnly; ++child) {
         if (nodes[child].isShownFolder())
             offer(child);
     }
@@ -114,10 +128,8 @@ void appendNumber(platform::NativeString& text, std::uint64_t number)
 
 } // namespace
 
-QString ScanTree::childSummary(Index folder) const
+QString ScanTree::childSummary(Index folder, const std::vector<Index>& largest) const
 {
-    constexpr std::size_t kept = 10;
-    const std::vector<Index> largest = largestChildren(folder, kept);
     platform::NativeString summary;
     for (Index child : largest) {
         summary += name(child);

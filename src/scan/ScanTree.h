@@ -18,6 +18,9 @@ public:
     using Index = std::uint32_t;
     static constexpr Index none = 0xffffffff;
     static constexpr std::uint8_t noCategory = 0xff;
+    // Past this many nodes a tree takes no more (and a node index keeps its
+    // high bit free for the map's blocks).
+    static constexpr std::size_t maxNodes = 0x7fffffff;
 
     enum Flag : std::uint8_t {
         Folder = 1,
@@ -74,6 +77,9 @@ public:
     // The path of a node: each name below the scanned folder joined to it as
     // the platform joins them.
     [[nodiscard]] QString path(Index index) const;
+    // The path as the results show it: the scanned folder's with the
+    // system's separators.
+    [[nodiscard]] QString shownPath(Index index) const;
     // Adds a child's name to its folder's path; belowRoot when the folder is
     // the scanned one.
     void appendChildPath(QString& folderPath, Index child, bool belowRoot) const;
@@ -81,12 +87,17 @@ public:
     // A folder's children that show as rows (folders not excluded), in listing order.
     [[nodiscard]] std::vector<Index> shownSubfolders(Index folder) const;
     // The `limit` largest children, largest first, as a folder keeps them: its
-    // files in listing order, then its shown subfolders, each before the first
-    // strictly smaller one, so that ties keep the earlier in front.
-    [[nodiscard]] std::vector<Index> largestChildren(Index folder, std::size_t limit) const;
-    // name:size:kind; for each of the ten largest children, then the number of
-    // shown subfolders. Names are written as they are.
-    [[nodiscard]] QString childSummary(Index folder) const;
+    // files in listing order, then (unless only files are asked for) its shown
+    // subfolders, each before the first strictly smaller one, so that ties
+    // keep the earlier in front.
+    [[nodiscard]] std::vector<Index> largestChildren(Index folder, std::size_t limit,
+                                                     bool filesOnly = false) const;
+    // How many of its largest children a folder's summary names.
+    static constexpr std::size_t summaryLimit = 10;
+    // name:size:kind; for each of the largest children (as largestChildren
+    // gives them), then the number of shown subfolders. Names are written as
+    // they are: the text is for reading, never to be taken apart again.
+    [[nodiscard]] QString childSummary(Index folder, const std::vector<Index>& largest) const;
     // The share of a node in its folder, in percent cut to two decimals; the
     // scanned folder's is 100.
     [[nodiscard]] double percentage(Index index) const;

@@ -164,8 +164,9 @@ void TestScanRecords::aTreeKeepsItsLargestChildrenAsData()
     QVERIFY(!tree.node(tree.largestChildren(0, 10)[2]).isFolder());
     QCOMPARE(tree.largestChildren(0, 2).size(), std::size_t(2));
     QCOMPARE(tree.shownSubfolders(0), std::vector<ScanTree::Index>{first});
-    QCOMPARE(tree.childSummary(first), QStringLiteral("inner:0:1;1"));
-    QCOMPARE(tree.childSummary(0),
+    QCOMPARE(tree.childSummary(first, tree.largestChildren(first, 10)),
+             QStringLiteral("inner:0:1;1"));
+    QCOMPARE(tree.childSummary(0, tree.largestChildren(0, 10)),
              trap + ":9000:0;a.iso:5000:0;x:999999999999:1;y:5000:0;odd:name;x:3000:0;"
                     "Music:3000:1;1");
     QCOMPARE(tree.path(first + 1), platform::childPath("/scan", "a.iso"));

@@ -11,6 +11,9 @@
 
 #include <QBuffer>
 #include <QDir>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QtTest>
 
 #include <filesystem>
@@ -234,6 +237,14 @@ void TestScanWorker::foldersCarryTheirSubtrees()
     QCOMPARE(cell(root, Folders).toInt(), 3);
     QCOMPARE(cell(root, MaxData).toString(),
              QStringLiteral("a.iso:5000:0;Music:3000:1;docs:7:1;2"));
+    // The JSON names them as data too, beside the summary.
+    const QJsonArray largest =
+        QJsonDocument::fromJson(scan.json)["folders"][0]["largestChildren"].toArray();
+    QCOMPARE(largest.size(), 3);
+    QCOMPARE(largest[0].toObject(),
+             (QJsonObject{{"kind", "file"}, {"name", "a.iso"}, {"size", 5000}}));
+    QCOMPARE(largest[1].toObject(),
+             (QJsonObject{{"kind", "folder"}, {"name", "Music"}, {"size", 3000}}));
     const QModelIndex music = childNamed(root, "Music");
     QVERIFY(music.isValid());
     QCOMPARE(cell(music, MaxData).toString(), QStringLiteral("song.mp3:3000:0;empty:0:1;1"));

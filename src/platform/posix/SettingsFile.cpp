@@ -199,25 +199,63 @@ struct DirCloser {
     void operator()(DIR* dir) const { ::closedir(dir); }
 };
 
+std::string baseName(const std::string& path)
+{
+    return path.substr(path.rfind('/') + 1);
+}
+
+// Where a save writes before it renames: hidden, and named so that nothing
+// else is taken for one.
+std::string temporaryPattern(const std::string& target)
+{
+    const std::string folder = folderOf(target);
+    return (folder == "/" ? "" : folder) + "/." + baseName(target) + ".tmp-XXXXXX";
+}
+
+bool startsWithHeader(int folder, const char* name)
+{
+    FileDescriptor fd(::openat(folder, name, O_RDONLY | O_CLOEXEC | O_NOFOLLOW));
+    std::string first(std::string_view(header).size(), '\0');
+    return fd.isValid() && ::read(fd.get(), first.data(), first.size()) == ssize_t(first.size()) &&
+           first == header;
+}
+
+// Whether a name is one a save cut short may have left: this version's, or
+// an earlier one's (the file's name, a dot and mkstemp's six letters and
+// digits, holding settings).
+bool isTemporary(std::string_view name, const std::string& base, int folder)
+{
+    const std::string hidden = "." + base + ".tmp-";
+    if (name.size() == hidden.size() + 6 && name.substr(0, hidden.size()) == hidden)
+        return true;
+    const std::string earlier = base + ".";
+    if (name.size() != earlier.size() + 6 || name.substr(0, earlier.size()) != earlier)
+        return false;
+    const std::string_view suffix = name.substr(earlier.size());
+    // A word such as "backup" is someone's copy, not six random characters.
+    const bool word =
+        std::all_of(suffix.begin(), suffix.end(), [](char c) { return c >= 'a' && c <= 'z'; });
+    return !word && startsWithHeader(folder, std::string(name).c_str());
+}
+
 // A save cut short (the process killed between writing its temporary file
-// and renaming it) leaves the temporary behind; one a minute old belongs to
-// no save any more.
+// and renaming it) leaves the temporary behind; one ten minutes old belongs
+// to no save any more.
 void removeStaleTemporaries(const std::string& target)
 {
-    constexpr std::time_t stale = 60;
-    const std::string prefix = target.substr(target.rfind('/') + 1) + ".";
+    constexpr std::time_t stale = 600;
+    const std::string base = baseName(target);
     const std::unique_ptr<DIR, DirCloser> dir(::opendir(folderOf(target).c_str()));
     if (!dir)
         return;
+    const int folder = ::dirfd(dir.get());
     const std::time_t now = std::time(nullptr);
     while (const dirent* entry = ::readdir(dir.get())) {
-        const std::string_view name = entry->d_name;
-        if (name.size() != prefix.size() + 6 || name.substr(0, prefix.size()) != prefix)
-            continue;
         struct stat info {};
-        if (::fstatat(::dirfd(dir.get()), entry->d_name, &info, AT_SYMLINK_NOFOLLOW) == 0 &&
+        if (isTemporary(entry->d_name, base, folder) &&
+            ::fstatat(folder, entry->d_name, &info, AT_SYMLINK_NOFOLLOW) == 0 &&
             S_ISREG(info.st_mode) && now - info.st_mtime > stale)
-            ::unlinkat(::dirfd(dir.get()), entry->d_name, 0);
+            ::unlinkat(folder, entry->d_name, 0);
     }
 }
 
@@ -275,7 +313,7 @@ bool SettingsFile::save() const
     for (const auto& line : lines)
         content += line + '\n';
 
-    std::string temporary = target + ".XXXXXX";
+    std::string temporary = temporaryPattern(target);
     FileDescriptor fd(::mkostemp(temporary.data(), O_CLOEXEC));
     if (!fd.isValid())
         return false;

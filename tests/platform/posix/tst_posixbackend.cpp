@@ -153,7 +153,8 @@ void TestPosixBackend::aWriteLeavesNoTemporaryFileBehind()
 {
     for (quint32 i = 0; i < 20; ++i)
         QVERIFY(SettingsStore::writeDword(QStringLiteral("FileTypeData%1").arg(i), i));
-    const QStringList entries = QDir(configHome() + "/Tallyroot").entryList(QDir::Files);
+    const QStringList entries =
+        QDir(configHome() + "/Tallyroot").entryList(QDir::Files | QDir::Hidden);
     QCOMPARE(entries, QStringList{"Tallyroot.conf"});
     QCOMPARE(SettingsStore::readDword("FileTypeData19"), std::optional<quint32>(19));
 }
@@ -165,18 +166,20 @@ void TestPosixBackend::temporariesOfASaveCutShortAreRemovedWhenLoading()
     const auto leave = [&folder](const QString& name, qint64 secondsAgo) {
         QFile file(folder + name);
         QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write("posX=dword:1\n");
+        file.write("# Tallyroot settings: one value a line, name=dword:number or name=sz:text\n");
         QVERIFY(file.flush());
         QVERIFY(file.setFileTime(QDateTime::currentDateTime().addSecs(-secondsAgo),
                                  QFileDevice::FileModificationTime));
     };
-    leave("Tallyroot.conf.aB3dE9", 3600); // a killed save's
-    leave("Tallyroot.conf.Zq81xP", 0);    // a save going on now
-    leave("Tallyroot.conf.bak", 3600);    // not one of ours
+    leave(".Tallyroot.conf.tmp-aB3dE9", 3600); // a killed save's
+    leave("Tallyroot.conf.x7Kq2p", 3600);      // one of an earlier version's
+    leave(".Tallyroot.conf.tmp-Zq81xP", 0);    // a save going on now
+    leave("Tallyroot.conf.backup", 3600);      // the user's copy
     QCOMPARE(SettingsStore::readDword("posX"), std::optional<quint32>(40));
-    const QStringList left = QDir(folder).entryList(QDir::Files);
-    QCOMPARE(QSet<QString>(left.begin(), left.end()),
-             (QSet<QString>{"Tallyroot.conf", "Tallyroot.conf.Zq81xP", "Tallyroot.conf.bak"}));
+    const QStringList left = QDir(folder).entryList(QDir::Files | QDir::Hidden);
+    QCOMPARE(
+        QSet<QString>(left.begin(), left.end()),
+        (QSet<QString>{"Tallyroot.conf", ".Tallyroot.conf.tmp-Zq81xP", "Tallyroot.conf.backup"}));
 }
 
 void TestPosixBackend::aLinkedFileIsWrittenThroughAndKeepsItsMode()
