@@ -39,6 +39,11 @@ void MainWindow::restoreGeometry()
         resize(width, height);
 }
 
+void MainWindow::scanFolder(const QString& path)
+{
+    homeForm->startScan(path);
+}
+
 void MainWindow::closeEvent(QCloseEvent* event)
 {
     WindowGeometry::fromRect(geometry()).write();

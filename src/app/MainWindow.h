@@ -21,6 +21,9 @@ public:
     explicit MainWindow(QWidget* parent = nullptr);
     ~MainWindow() override;
 
+    // Shows the results of a folder as when the user picks it on the home screen.
+    void scanFolder(const QString& path);
+
 protected:
     void closeEvent(QCloseEvent* event) override;
 

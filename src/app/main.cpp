@@ -1,12 +1,51 @@
 #include "MainWindow.h"
+#include "platform/NativeText.h"
 
 #include <QApplication>
 
+#include <cstdio>
+#include <string_view>
+
+namespace {
+
+constexpr const char* usage =
+    "Usage: tallyroot [FOLDER]\n"
+    "Shows where the space on a disk went. Given a folder, scans it at once.\n\n"
+    "Options:\n"
+    "  -h, --help     Displays this help.\n"
+    "  -v, --version  Displays the version.\n";
+
+// Answered before any window is made, so that they need no display. -1 when
+// the command line asks for neither.
+int answerInformation(int argc, char* argv[])
+{
+    for (int index = 1; index < argc; ++index) {
+        const std::string_view option = argv[index];
+        if (option == "-v" || option == "--version")
+            return std::printf("tallyroot %s\n", TALLYROOT_VERSION) < 0;
+        if (option == "-h" || option == "--help")
+            return std::fputs(usage, stdout) < 0;
+    }
+    return -1;
+}
+
+} // namespace
+
 int main(int argc, char* argv[])
 {
+    if (const int status = answerInformation(argc, argv); status >= 0)
+        return status;
     QApplication app(argc, argv);
     QApplication::setStyle(QStringLiteral("Fusion"));
     MainWindow window;
     window.show();
+    // Qt has taken its own options out by now. The desktop hands over what
+    // was dropped on the icon: the first folder is scanned.
+    for (const QString& argument : platform::arguments(argc, argv).mid(1)) {
+        if (!argument.startsWith(QLatin1Char('-'))) {
+            window.scanFolder(argument);
+            break;
+        }
+    }
     return QApplication::exec();
 }

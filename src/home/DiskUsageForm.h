@@ -38,6 +38,9 @@ public:
 
     // Asks a running scan or release to end; once it has, closeApp() follows.
     void stopScan();
+    // Scans a folder as when the user picks it; a folder that is not there
+    // is said to be missing.
+    void startScan(const QString& path);
     // Asks whether to save unsaved options, and saves them on Yes. False only
     // when they were to be saved and could not be.
     bool offerToSaveOptions();
@@ -76,7 +79,6 @@ private:
     void loadRecentPaths();
     void showRecentPaths();
     void rememberRecentPath(const QString& path);
-    void startScan(const QString& path);
     void closeIfRequested();
 
     std::unique_ptr<Ui::DiskUsageForm> ui;

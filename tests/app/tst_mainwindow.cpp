@@ -1,6 +1,7 @@
 #include "IsolatedSettings.h"
 #include "app/MainWindow.h"
 #include "platform/ScreenMetrics.h"
+#include "results/DiskUsageScanProgressForm.h"
 #include "settings/SettingsStore.h"
 
 #include <QStackedLayout>
@@ -14,6 +15,7 @@ private slots:
     void closeSavesTheGeometryAndRestartRestoresIt();
     void storedValuesArePulledOnScreen();
     void aWrappedPositionIsLeftToTheWindowSystem();
+    void aFolderGivenIsScannedAtOnce();
 
 private:
     IsolatedSettings isolated;
@@ -85,6 +87,22 @@ void TestMainWindow::aWrappedPositionIsLeftToTheWindowSystem()
     const int width = static_cast<int>(qMin(986u, screen.width));
     QCOMPARE(window.size(), QSize(width, static_cast<int>(screen.height + 10)));
     QVERIFY(window.y() >= 0);
+}
+
+void TestMainWindow::aFolderGivenIsScannedAtOnce()
+{
+    QTemporaryDir folder;
+    QFile file(folder.filePath("given.bin"));
+    QVERIFY(file.open(QIODevice::WriteOnly) && file.resize(4096));
+    file.close();
+    MainWindow window;
+    window.show();
+    window.scanFolder(QDir::toNativeSeparators(folder.path()));
+    auto* results = window.findChild<DiskUsageScanProgressForm*>();
+    QVERIFY(results);
+    QSignalSpy finished(results, &DiskUsageScanProgressForm::scanFinish);
+    QVERIFY(finished.wait(20000));
+    QVERIFY(results->isVisible());
 }
 
 QTEST_MAIN(TestMainWindow)
