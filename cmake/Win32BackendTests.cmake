@@ -19,7 +19,13 @@ ExternalProject_Add(win32_backend_tests
     USES_TERMINAL_BUILD ON)
 
 set(wine_prefix ${CMAKE_CURRENT_BINARY_DIR}/wineprefix)
-set(wine_environment "WINEPREFIX=${wine_prefix};WINEDEBUG=-all;WINEDLLOVERRIDES=mscoree,mshtml=")
+# A home of its own: Wine links the prefix's user folders to HOME and writes
+# menu entries below it; the menu builder is not run at all.
+set(wine_home ${CMAKE_CURRENT_BINARY_DIR}/winehome)
+file(MAKE_DIRECTORY ${wine_home})
+set(wine_environment "WINEPREFIX=${wine_prefix};WINEDEBUG=-all;HOME=${wine_home}"
+    "XDG_CONFIG_HOME=${wine_home}/.config;XDG_DATA_HOME=${wine_home}/.local/share"
+    "XDG_CACHE_HOME=${wine_home}/.cache;WINEDLLOVERRIDES=mscoree,mshtml,winemenubuilder.exe=")
 
 # Wine's first start creates the prefix and takes a while; do it once, up front.
 add_test(NAME win32.prefix COMMAND ${TALLYROOT_WINE64} wineboot --init)

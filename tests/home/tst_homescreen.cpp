@@ -322,6 +322,26 @@ void TestHomeScreen::driveCardsShowTheDisks()
     });
     QTest::mouseClick(card->findChild<QToolButton*>("infoButton"), Qt::LeftButton);
     QCOMPARE(shownSerial, drives.first().serialNumber);
+
+    // Start scans the drive whole, wherever the program's current folder is
+    // (on Windows, where "C:" alone is that folder; a whole Linux disk is too
+    // much for a test).
+    if (QSysInfo::kernelType() != QLatin1String("winnt"))
+        return;
+    QTemporaryDir elsewhere;
+    QVERIFY(QFile(elsewhere.filePath("only-here")).open(QIODevice::WriteOnly));
+    const QString before = QDir::currentPath();
+    QDir::setCurrent(elsewhere.path());
+    QTest::mouseClick(card->findChild<QPushButton*>("startButton"), Qt::LeftButton);
+    const bool finished = finishScan(form);
+    QDir::setCurrent(before);
+    QVERIFY(finished);
+    const QAbstractItemModel* rows = resultsOf(form)->findChild<QTreeView*>("treeView")->model();
+    QStringList names;
+    for (int row = 0; row < rows->rowCount(rows->index(0, 0)); ++row)
+        names << rows->index(row, 0, rows->index(0, 0)).data().toString().toLower();
+    QVERIFY2(names.contains("windows"), qPrintable(names.join(", ")));
+    QVERIFY(goBack(form));
 }
 
 void TestHomeScreen::folderCardsShowTheSpecialFolders()

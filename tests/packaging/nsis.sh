@@ -10,8 +10,14 @@ setup=$build/Tallyroot-$version-windows-x64-setup.exe
 rm -f "$setup"
 (cd "$build" && cpack -G NSIS >/dev/null)
 prefix=$(mktemp -d /tmp/tallyroot-nsis.XXXXXX)
-trap '/usr/lib/wine/wineserver64 -k 2>/dev/null || true; rm -rf "$prefix"' EXIT
-export WINEPREFIX=$prefix WINEDEBUG=-all WINEDLLOVERRIDES=mscoree,mshtml=
+home=$(mktemp -d /tmp/tallyroot-nsis-home.XXXXXX)
+trap '/usr/lib/wine/wineserver64 -k 2>/dev/null || true; rm -rf "$prefix" "$home"' EXIT
+# A home of its own: Wine links the prefix's user folders to HOME, and the
+# installer's Start-menu entry would become a desktop menu entry below it;
+# the menu builder is not run at all.
+export HOME=$home XDG_CONFIG_HOME=$home/.config XDG_DATA_HOME=$home/.local/share \
+    XDG_CACHE_HOME=$home/.cache
+export WINEPREFIX=$prefix WINEDEBUG=-all WINEDLLOVERRIDES=mscoree,mshtml,winemenubuilder.exe=
 wine=/usr/lib/wine/wine64
 wineserver=/usr/lib/wine/wineserver64
 target='C:\TallyrootTest'
@@ -29,6 +35,7 @@ check "Tallyroot.exe installed" test -f "$installed/Tallyroot.exe"
 check "tallyroot-scan.exe installed" test -f "$installed/tallyroot-scan.exe"
 check "its Qt beside it" test -f "$installed/platforms/qwindows.dll"
 check "a Start-menu entry" test -n "$(find "$prefix/drive_c" -path '*Start Menu*' -name 'Tallyroot.lnk')"
+check "no desktop menu entry made in any home" test -z "$(find "$home" -name '*.desktop')"
 shown=$("$wine" "$installed/tallyroot-scan.exe" --version 2>/dev/null | tr -d '\r')
 check "tallyroot-scan.exe --version" test "$shown" = "tallyroot-scan $version"
 

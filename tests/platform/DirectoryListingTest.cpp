@@ -4,6 +4,7 @@
 #include "DirectoryListing.h"
 #include "FileTime.h"
 #include "MiniTest.h"
+#include "Volumes.h"
 
 #include <chrono>
 #include <filesystem>
@@ -131,6 +132,28 @@ TEST_CASE(childrenOpenRelativeToTheirParent)
     CHECK(listAll(root.openDescendant({nameA, nameB})).count(fs::path("leaf").native()) == 1);
     CHECK(!root.openDescendant({nameB, nameA}).isOpen());
     CHECK(!root.openDescendant({nameA, fs::path("file").native()}).isOpen());
+}
+
+// A drive handed over as its letter and colon (as the cards hand it) is its
+// root, wherever the program's current folder is; "C:" alone would be the
+// current folder on drive C.
+TEST_CASE(aDriveIsItsRoot)
+{
+    const std::vector<platform::VolumeRecord> volumes = platform::fixedVolumes();
+    CHECK(!volumes.empty());
+    if (volumes.empty())
+        return;
+    const std::wstring& root = volumes.front().rootPath;
+    const std::wstring drive = root.size() == 3 && root[1] == L':' ? root.substr(0, 2) : root;
+    ScratchFolder scratch;
+    makeFile(scratch.path / "only-here", 1);
+    const fs::path before = fs::current_path();
+    fs::current_path(scratch.path);
+    const auto asGiven = listAll(DirectoryListing::open(fs::path(drive).native()));
+    fs::current_path(before);
+    CHECK(asGiven.count(fs::path("only-here").native()) == 0);
+    CHECK(asGiven.size() == listAll(DirectoryListing::open(fs::path(root).native())).size());
+    CHECK(DirectoryListing::isFolder(fs::path(drive).native()));
 }
 
 TEST_CASE(aMissingFolderIsNotOpen)

@@ -54,6 +54,9 @@ bool isSeparator(wchar_t c)
 // slashes and no doubled separators.
 std::wstring systemPath(const std::wstring& path)
 {
+    // "C:" alone is the current folder on drive C; a drive is meant whole.
+    if (path.size() == 2 && path[1] == L':')
+        return path + L'\\';
     const bool drivePath = path.size() >= 2 && path[1] == L':';
     const bool sharePath =
         path.size() > 2 && isSeparator(path[0]) && isSeparator(path[1]) && path[2] != L'?';
@@ -132,7 +135,7 @@ std::optional<std::uint64_t> DirectoryListing::mount() const
 
 bool DirectoryListing::isFolder(const NativeString& path)
 {
-    const DWORD attributes = GetFileAttributesW(path.c_str());
+    const DWORD attributes = GetFileAttributesW(systemPath(path).c_str());
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY);
 }
 
