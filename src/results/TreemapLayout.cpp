@@ -71,14 +71,10 @@ std::vector<QRectF> TreemapLayout::squarify(const std::vector<double>& sizes, co
 
 std::uint64_t TreemapLayout::sizeOf(const ScanTree& tree, Block block)
 {
-    const ScanTree::Index folder = folderOf(block);
     if (!isFiles(block))
-        return tree.node(folder).size;
-    std::uint64_t inSubfolders = 0;
-    for (ScanTree::Index child : tree.shownSubfolders(folder))
-        inSubfolders = addSaturating(inSubfolders, tree.node(child).size);
-    const std::uint64_t size = tree.node(folder).size;
-    return size > inSubfolders ? size - inSubfolders : 0;
+        return tree.node(block).size;
+    const std::vector<Child> children = childrenOf(tree, folderOf(block));
+    return !children.empty() && children.back().block == block ? children.back().size : 0;
 }
 
 std::vector<TreemapLayout::Child> TreemapLayout::childrenOf(const ScanTree& tree,

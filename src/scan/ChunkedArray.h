@@ -13,7 +13,6 @@ public:
     static constexpr std::size_t chunkSize = std::size_t(1) << ChunkBits;
 
     [[nodiscard]] std::size_t size() const { return count; }
-    [[nodiscard]] bool empty() const { return count == 0; }
 
     T& operator[](std::size_t index) { return chunks[index >> ChunkBits][index & (chunkSize - 1)]; }
     const T& operator[](std::size_t index) const
@@ -29,17 +28,6 @@ public:
         while (chunks.size() * chunkSize < count)
             chunks.push_back(std::make_unique<T[]>(chunkSize));
         return first;
-    }
-    // Forgets the elements from `newSize` on (they stay allocated).
-    void shrink(std::size_t newSize)
-    {
-        if (newSize < count)
-            count = newSize;
-    }
-
-    [[nodiscard]] std::size_t bytesAllocated() const
-    {
-        return chunks.size() * chunkSize * sizeof(T) + chunks.capacity() * sizeof(chunks[0]);
     }
 
 private:

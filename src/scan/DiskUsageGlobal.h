@@ -16,7 +16,6 @@ struct TFileInfo {
     quint64 size = 0;
     quint64 lastAccessTime = 0; // FILETIME ticks
     quint64 onDisk = 0;
-    quint32 node = 0; // in the scan's tree
 };
 
 // One file of an enabled file-type category.
@@ -27,7 +26,6 @@ struct TMainDataFile {
     QString filePath; // the folder holding the file, "/"-separated
     qint64 size = 0;
     qint32 index = 0;
-    quint32 node = 0; // in the scan's tree
 };
 
 constexpr qsizetype biggestFilesLimit = 20;

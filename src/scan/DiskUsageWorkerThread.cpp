@@ -228,8 +228,7 @@ void DiskUsageWorkerThread::addFile(Frame& frame, const FolderReadAhead::Entry& 
         const bool kept = DiskUsageGlobal::offerRanked(
             biggest, entry.size, DiskUsageGlobal::biggestFilesLimit, [&] {
                 return TFileInfo{
-                    {},  {}, tree->path(node), entry.size, entry.lastAccessTime, entry.allocated,
-                    node};
+                    {}, {}, tree->path(node), entry.size, entry.lastAccessTime, entry.allocated};
             });
         // The floor rises only when a full list turned a file away, so it can
         // lag behind the 20th entry; the list itself stays right.
@@ -256,8 +255,7 @@ void DiskUsageWorkerThread::addDataFile(Index file)
                                      DiskUsageGlobal::lastAccessText(node.lastAccessTime),
                                      QFileInfo(tree->path(file)).path(),
                                      size,
-                                     index,
-                                     file};
+                                     index};
             });
         addSaturating(result.categories[category].totalSize, size);
     }

@@ -1,5 +1,7 @@
 #include "ScanTree.h"
 
+#include "DiskUsageGlobal.h"
+
 #include "platform/NativeText.h"
 
 #include <QDir>
@@ -92,17 +94,16 @@ std::vector<ScanTree::Index> ScanTree::shownSubfolders(Index folder) const
 std::vector<ScanTree::Index> ScanTree::largestChildren(Index folder, std::size_t limit,
                                                        bool filesOnly) const
 {
-    std::vector<Index> ranked;
-    ranked.reserve(limit + 1);
+    struct Ranked {
+        Index node;
+        std::uint64_t size;
+    };
+    QList<Ranked> ranked;
     const auto offer = [&](Index child) {
         const std::uint64_t size = nodes[child].size;
-        if (ranked.size() >= limit && !(nodes[ranked.back()].size < size))
-            return;
-        const auto before = std::find_if(ranked.begin(), ranked.end(),
-                                         [&](Index kept) { return nodes[kept].size < size; });
-        ranked.insert(before, child);
-        if (ranked.size() > limit)
-            ranked.pop_back();
+        DiskUsageGlobal::offerRanked(ranked, size, qsizetype(limit), [&] {
+            return Ranked{child, size};
+        });
     };
     const Node& parent = nodes[folder];
     const Index end = parent.firstChild + parent.childCount;
@@ -114,7 +115,10 @@ std::vector<ScanTree::Index> ScanTree::largestChildren(Index folder, std::size_t
         if (nodes[child].isShownFolder())
             offer(child);
     }
-    return ranked;
+    std::vector<Index> largest;
+    for (const Ranked& kept : ranked)
+        largest.push_back(kept.node);
+    return largest;
 }
 
 namespace {
@@ -161,11 +165,6 @@ double ScanTree::percentage(std::uint64_t child, std::uint64_t parent)
     return static_cast<std::int32_t>(share * 100.0) / 100.0;
 }
 
-std::size_t ScanTree::bytesAllocated() const
-{
-    return nodes.bytesAllocated() + names.bytesAllocated();
-}
-
 std::uint64_t ScanTree::Names::add(platform::NativeStringView name)
 {
     constexpr std::size_t chunkSize = std::size_t(1) << chunkBits;
@@ -184,10 +183,4 @@ platform::NativeStringView ScanTree::Names::at(std::uint64_t offset, std::size_t
 {
     constexpr std::uint64_t chunkSize = std::uint64_t(1) << chunkBits;
     return {&chunks[offset >> chunkBits][offset & (chunkSize - 1)], length};
-}
-
-std::size_t ScanTree::Names::bytesAllocated() const
-{
-    return chunks.size() * (std::size_t(1) << chunkBits) *
-           sizeof(platform::NativeString::value_type);
 }

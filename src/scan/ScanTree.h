@@ -103,15 +103,11 @@ public:
     [[nodiscard]] double percentage(Index index) const;
     [[nodiscard]] static double percentage(std::uint64_t child, std::uint64_t parent);
 
-    // What the tree takes in memory: nodes and names.
-    [[nodiscard]] std::size_t bytesAllocated() const;
-
 private:
     class Names {
     public:
         std::uint64_t add(platform::NativeStringView name);
         [[nodiscard]] platform::NativeStringView at(std::uint64_t offset, std::size_t length) const;
-        [[nodiscard]] std::size_t bytesAllocated() const;
 
     private:
         static constexpr unsigned chunkBits = 20; // longer than any name
