@@ -114,13 +114,28 @@ void FolderReadAhead::readerLoop()
     }
 }
 
-FolderReadAhead::Ancestry::~Ancestry()
+std::shared_ptr<FolderReadAhead::Ancestry> FolderReadAhead::Ancestry::make()
 {
-    std::shared_ptr<const Ancestry> above = std::move(parent);
-    while (above && above.use_count() == 1) {
-        std::atomic_thread_fence(std::memory_order_acquire);
-        above = std::move(above->parent);
+    return {new Ancestry, &Ancestry::free};
+}
+
+// Deleting a folder lets go of its parent, which may call this again: that
+// call only queues the parent for the loop already running on this thread.
+void FolderReadAhead::Ancestry::free(const Ancestry* ancestry)
+{
+    thread_local std::vector<const Ancestry*>* freeing = nullptr;
+    if (freeing) {
+        freeing->push_back(ancestry);
+        return;
     }
+    std::vector<const Ancestry*> queue{ancestry};
+    freeing = &queue;
+    while (!queue.empty()) {
+        const Ancestry* next = queue.back();
+        queue.pop_back();
+        delete next;
+    }
+    freeing = nullptr;
 }
 
 // Where opening a folder told its identity (Linux), a folder is compared with
@@ -215,7 +230,7 @@ void FolderReadAhead::read(Folder& folder)
 {
     const std::shared_ptr<platform::DirectoryListing> listing = open(folder);
     const std::size_t depth = folder.parentAncestry ? folder.parentAncestry->depth + 1 : 0;
-    auto ancestry = std::make_shared<Ancestry>();
+    auto ancestry = Ancestry::make();
     ancestry->identity = listing->identity();
     ancestry->name = folder.name;
     ancestry->listing = listing;

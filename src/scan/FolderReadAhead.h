@@ -43,14 +43,15 @@ public:
         // the same as this one or one below it in the same mount.
         std::optional<std::uint64_t> mount;
         const Ancestry* crossing = nullptr;
-        mutable std::shared_ptr<const Ancestry> parent;
+        std::shared_ptr<const Ancestry> parent;
 
-        Ancestry() = default;
-        Ancestry(const Ancestry&) = delete;
-        Ancestry& operator=(const Ancestry&) = delete;
-        // Lets go of the folders above one at a time: a deep tree's chain
-        // would overflow the stack if each freed the next.
-        ~Ancestry();
+        // Made with free() as the deleter, which lets go of the folders above
+        // one at a time: a deep tree's chain would overflow the stack if each
+        // freed the next.
+        static std::shared_ptr<Ancestry> make();
+
+    private:
+        static void free(const Ancestry* ancestry);
     };
 
     // One folder of the tree. Its name is set when its parent is read; the
