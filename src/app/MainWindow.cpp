@@ -47,9 +47,10 @@ void MainWindow::scanFolder(const QString& path)
 void MainWindow::closeEvent(QCloseEvent* event)
 {
     WindowGeometry::fromRect(geometry()).write();
-    // Options left unsaved are asked about, as on leaving their tab; a save
-    // that failed keeps the window open with them.
-    if (!homeForm->offerToSaveOptions()) {
+    // Options left unsaved are asked about, as on leaving their tab, once: not
+    // again when the close waited for a release. Cancel, or a save that
+    // failed, keeps the window open with them.
+    if (!homeForm->isClosing() && !homeForm->offerToSaveOptions(true)) {
         event->ignore();
         return;
     }

@@ -339,15 +339,20 @@ void DiskUsageForm::on_tabWidget_currentChanged(int)
     offerToSaveOptions();
 }
 
-bool DiskUsageForm::offerToSaveOptions()
+bool DiskUsageForm::offerToSaveOptions(bool cancellable)
 {
     if (!optionsForm || !optionsForm->hasUnsavedChanges())
         return true;
+    const QMessageBox::StandardButtons answers =
+        QMessageBox::Yes | QMessageBox::No |
+        (cancellable ? QMessageBox::Cancel : QMessageBox::NoButton);
     const auto answer = QMessageBox::warning(
         this, QStringLiteral("Confirm to save changes"),
         QStringLiteral("There are unsaved changes in the Options page. Do you want to save the "
                        "changes now?"),
-        QMessageBox::Yes | QMessageBox::No);
+        answers);
+    if (answer == QMessageBox::Cancel)
+        return false;
     return answer != QMessageBox::Yes || optionsForm->save();
 }
 

@@ -41,9 +41,12 @@ public:
     // Scans a folder as when the user picks it; a folder that is not there
     // is said to be missing.
     void startScan(const QString& path);
-    // Asks whether to save unsaved options, and saves them on Yes. False only
-    // when they were to be saved and could not be.
-    bool offerToSaveOptions();
+    // Asks whether to save unsaved options, and saves them on Yes. False when
+    // they were to be saved and could not be, or when the user chose Cancel,
+    // which is offered only where leaving can be called off.
+    bool offerToSaveOptions(bool cancellable = false);
+    // A close was asked for and waits for a scan or release to end.
+    [[nodiscard]] bool isClosing() const { return closeRequested; }
     [[nodiscard]] const QStringList& recentFolders() const { return recentPaths; }
     // Longer paths show as their first and last 16 characters around "...".
     [[nodiscard]] static QString shortenedPath(const QString& path);
