@@ -169,8 +169,13 @@ DiskUsageScanInfoForm* DiskUsageScanProgressForm::addScanPanel()
 
 void DiskUsageScanProgressForm::startScanning(const QString& path)
 {
-    if (scanPanel)
+    // The scanned folder stands in the path line until the walk enters its
+    // first subfolder, which may be long after a large folder's listing.
+    if (scanPanel) {
         scanPanel->setTitle(QStringLiteral("Scanning in progress. Please wait ..."));
+        scanPanel->setPath(QDir::toNativeSeparators(path));
+        scanPanel->setItemCount(0);
+    }
     scannedFolder = path;
     ScanRequest request = ScanRequest::fromSettings(path);
     oneDrivePath = request.oneDrivePath;

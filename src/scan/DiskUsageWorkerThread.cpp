@@ -75,11 +75,19 @@ void DiskUsageWorkerThread::run()
     tree = built.get();
     result.tree = std::move(built);
     {
-        FolderReadAhead readAhead(request.folder, request.readers, exclusion());
+        FolderReadAhead readAhead(request.folder, request.readers, exclusion(), &entriesListed);
         walk(readAhead);
     }
+    // Read ahead but never met (after a cancel) is not scanned.
+    entriesListed.store(items, std::memory_order_relaxed);
     result.itemsScanned = items;
     emit resultReady();
+}
+
+int DiskUsageWorkerThread::itemsScanned() const
+{
+    return std::max(itemCount.load(std::memory_order_relaxed),
+                    entriesListed.load(std::memory_order_relaxed));
 }
 
 FolderReadAhead::Exclusion DiskUsageWorkerThread::exclusion() const

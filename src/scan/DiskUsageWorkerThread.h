@@ -27,9 +27,10 @@ public:
 
     // Safe from any thread; the walk stops at its next entry.
     void setCancel(bool cancel);
-    // Entries met so far. Safe from any thread, so that a screen can show the
-    // count on a timer rather than take an event per entry.
-    [[nodiscard]] int itemsScanned() const { return itemCount.load(std::memory_order_relaxed); }
+    // Entries read so far, ahead of the walk; once it has ended, those it met.
+    // Safe from any thread, so that a screen can show the count on a timer
+    // rather than take an event per entry.
+    [[nodiscard]] int itemsScanned() const;
     // The result, once: call after resultReady() (or after the thread ended).
     [[nodiscard]] ScanResult takeResult();
 
@@ -68,6 +69,7 @@ private:
     ScanTree* tree = nullptr;
     std::atomic<bool> cancel{false};
     std::atomic<int> itemCount{0};
+    std::atomic<int> entriesListed{0};
     int items = 0;
     std::uint32_t foldersFinished = 0;
     int dataFileIndex = 100;

@@ -17,8 +17,10 @@ std::size_t foldersToHold()
 
 } // namespace
 
-FolderReadAhead::FolderReadAhead(const QString& root, int readerCount, Exclusion excluded)
+FolderReadAhead::FolderReadAhead(const QString& root, int readerCount, Exclusion excluded,
+                                 std::atomic<int>* listed)
     : excluded(std::move(excluded))
+    , listed(listed)
     , readingAhead(readerCount > 1)
     , maxFoldersHeld(foldersToHold())
     , maxListingsOpen(platform::DirectoryListing::openLimit() / 2)
@@ -256,7 +258,16 @@ void FolderReadAhead::read(Folder& folder)
     folder.elsewhere = !folder.opened && !listing->failed() && !folder.loops;
     folder.allocated = listing->allocated();
     platform::DirectoryEntry entry;
+    int uncounted = 0;
+    const auto count = [this, &uncounted] {
+        if (listed)
+            listed->fetch_add(uncounted, std::memory_order_relaxed);
+        uncounted = 0;
+    };
     while (!stopping.load(std::memory_order_relaxed) && listing->next(entry)) {
+        // Counted in batches: the readers share the counter.
+        if (++uncounted == 1024)
+            count();
         folder.entries.push_back({entry.size, entry.lastAccessTime, entry.allocated,
                                   entry.linkedFile, static_cast<std::uint32_t>(folder.names.size()),
                                   static_cast<std::uint32_t>(entry.name.size()),
@@ -266,6 +277,7 @@ void FolderReadAhead::read(Folder& folder)
             addSubfolder(folder, entry.name, entry.isLink, shareListing ? listing : nullptr,
                          ancestry);
     }
+    count();
     folder.failed = listing->failed();
     folder.bytes += folder.entries.capacity() * sizeof(Entry) + folder.names.capacity();
 

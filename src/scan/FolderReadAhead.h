@@ -99,7 +99,11 @@ public:
     };
 
     // readers: threads that read ahead; 1 or less reads only on the walk's thread.
-    FolderReadAhead(const QString& root, int readers, Exclusion excluded);
+    // listed, when given, counts the entries read so far, while they are
+    // read, so that a folder of a million entries shows progress before the
+    // walk meets the first of them.
+    FolderReadAhead(const QString& root, int readers, Exclusion excluded,
+                    std::atomic<int>* listed = nullptr);
     ~FolderReadAhead();
     FolderReadAhead(const FolderReadAhead&) = delete;
     FolderReadAhead& operator=(const FolderReadAhead&) = delete;
@@ -126,6 +130,7 @@ private:
     [[nodiscard]] bool roomToRead() const;
 
     Exclusion excluded;
+    std::atomic<int>* const listed;
     const bool readingAhead;
     // A folder read ahead keeps its listing open until its subfolders are
     // open, so the read-ahead stays well inside the limit on open listings.

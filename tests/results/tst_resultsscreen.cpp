@@ -56,6 +56,7 @@ private:
     IsolatedSettings isolated;
     // The scanning panel's counter as the results arrived.
     QString finalCount;
+    QStringList firstLines; // the path and count lines as the scan starts
     QTemporaryDir dir;
     OpenedUrls opened;
     const QString longName = QString(41, 'L');
@@ -112,6 +113,8 @@ std::unique_ptr<DiskUsageScanProgressForm> TestResultsScreen::scanned()
     connect(form.get(), &DiskUsageScanProgressForm::scanFinish, this,
             [this, &form] { finalCount = child<QLabel>(form.get(), "itemScanLabel")->text(); });
     form->startScanning(QDir::toNativeSeparators(dir.path()));
+    firstLines = {child<QLabel>(form.get(), "pathLabel")->text(),
+                  child<QLabel>(form.get(), "itemScanLabel")->text()};
     if (!finished.wait(20000))
         return nullptr;
     // The scanning panel goes on the next pass of the event loop.
@@ -150,6 +153,8 @@ void TestResultsScreen::resultsShowTheScannedTree()
          it.hasNext(); it.next())
         ++entries;
     QCOMPARE(finalCount, QString::number(entries) + QStringLiteral(" items scanned"));
+    QCOMPARE(firstLines, QStringList({QDir::toNativeSeparators(dir.path()),
+                                      QStringLiteral("0 items scanned")}));
     QVERIFY(!form->findChild<DiskUsageScanInfoForm*>() ||
             !form->findChild<DiskUsageScanInfoForm*>()->isVisible());
 

@@ -38,6 +38,7 @@ struct ScanRun {
     QList<int> subFolderTotals;
     int progress = 0;
     int items = 0;
+    int itemsShown = 0; // the count a screen reads once the scan has ended
     int resultReady = 0;
 
     // The hooks run on the scan's thread: onItem at every entry with the entry
@@ -79,6 +80,7 @@ struct ScanRun {
             direct);
         worker.start();
         worker.wait();
+        itemsShown = worker.itemsScanned();
         result = worker.takeResult();
         QBuffer buffer(&json);
         buffer.open(QIODevice::WriteOnly);
@@ -174,6 +176,7 @@ private slots:
     void oneDriveFolders();
     void oddNamesAndADeepChain();
     void cancellingKeepsTheTotalsConsistent();
+    void aLargeFolderCountsWhileItIsRead();
     void anyNumberOfReadersGivesTheSameResult();
     void foldersChangingInTheReadAheadKeepTheTotalsConsistent();
     void theModelsShowWhatAnIndependentWalkFinds();
@@ -480,10 +483,28 @@ void TestScanWorker::cancellingKeepsTheTotalsConsistent()
     QCOMPARE(scan.resultReady, 1);
     QCOMPARE(scan.items, stopAt);
     QCOMPARE(scan.result.itemsScanned, stopAt);
+    QCOMPARE(scan.itemsShown, stopAt); // not what was read ahead
     expectSumsOfSubfolders(scan.root());
     const int files = cell(scan.root(), Files).toInt();
     QVERIFY(files > 0 && files < 6 * 30);
     QVERIFY(rowsBelow(scan.root()) < 6);
+}
+
+void TestScanWorker::aLargeFolderCountsWhileItIsRead()
+{
+    constexpr int files = 3000;
+    for (int file = 0; file < files; ++file)
+        makeFile(dir.filePath(QString("big/f%1").arg(file)), 1);
+    // The whole folder is read before the walk meets its first entry; the
+    // count shown has moved by then.
+    int shownAtFirst = 0;
+    const ScanRun scan(dir.filePath("big"),
+                       [&shownAtFirst](DiskUsageWorkerThread& worker, int total) {
+                           if (total == 1)
+                               shownAtFirst = worker.itemsScanned();
+                       });
+    QCOMPARE(shownAtFirst, files);
+    QCOMPARE(scan.itemsShown, files);
 }
 
 void TestScanWorker::anyNumberOfReadersGivesTheSameResult()
