@@ -1,4 +1,5 @@
 #include "MainWindow.h"
+#include "PaletteIcons.h"
 #include "platform/NativeText.h"
 
 #include <QApplication>
@@ -37,6 +38,7 @@ int main(int argc, char* argv[])
         return status;
     QApplication app(argc, argv);
     QApplication::setStyle(QStringLiteral("Fusion"));
+    app.installEventFilter(new PaletteIcons(&app));
     MainWindow window;
     window.show();
     // Qt has taken its own options out by now. The desktop hands over what

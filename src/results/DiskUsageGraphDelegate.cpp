@@ -6,6 +6,10 @@
 #include <QAbstractItemModel>
 #include <QPainter>
 
+namespace {
+const QColor barColour(Qt::yellow);
+}
+
 DiskUsageGraphDelegate::DiskUsageGraphDelegate(QAbstractItemModel* model, QObject* parent)
     : QStyledItemDelegate(parent)
     , model(model)
@@ -21,18 +25,31 @@ int DiskUsageGraphDelegate::barWidth(int cellWidth, const QVariant& percentage)
 void DiskUsageGraphDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                                    const QModelIndex& index) const
 {
-    if (index.column() == FolderColumn::SizeText) {
-        painter->setPen(Qt::yellow);
-        painter->setBrush(QBrush(Qt::yellow, Qt::SolidPattern));
-        if (model) {
-            const QVariant share =
-                index.siblingAtColumn(FolderColumn::Percentage).data(Qt::DisplayRole);
-            const QRect bar(option.rect.left(), option.rect.top(),
-                            barWidth(option.rect.width(), share), option.rect.height());
-            painter->drawRects(&bar, 1);
-        }
+    if (index.column() != FolderColumn::SizeText || !model) {
+        QStyledItemDelegate::paint(painter, option, index);
+        return;
     }
+    const QVariant share = index.siblingAtColumn(FolderColumn::Percentage).data(Qt::DisplayRole);
+    const QRect bar(option.rect.left(), option.rect.top(), barWidth(option.rect.width(), share),
+                    option.rect.height());
+    painter->setPen(barColour);
+    painter->setBrush(QBrush(barColour, Qt::SolidPattern));
+    painter->drawRects(&bar, 1);
+    // The text over the bar is dark whatever the palette: a dark palette's
+    // light text would not read on the bright bar.
+    painter->save();
+    painter->setClipRegion(QRegion(option.rect).subtracted(bar), Qt::IntersectClip);
     QStyledItemDelegate::paint(painter, option, index);
+    painter->restore();
+    if (bar.isEmpty())
+        return;
+    QStyleOptionViewItem onBar(option);
+    if (!(option.state & QStyle::State_Selected))
+        onBar.palette.setColor(QPalette::Text, Qt::black);
+    painter->save();
+    painter->setClipRect(bar, Qt::IntersectClip);
+    QStyledItemDelegate::paint(painter, onBar, index);
+    painter->restore();
 }
 
 // The cell holds the number, so that the text is made only for rows in view.

@@ -1,9 +1,11 @@
 #include "IsolatedSettings.h"
 #include "NextModal.h"
 #include "TestSupport.h"
+#include "app/PaletteIcons.h"
 #include "platform/Volumes.h"
 #include "results/DiskUsageScanInfoForm.h"
 #include "results/DiskUsageScanProgressForm.h"
+#include "results/FolderColumn.h"
 #include "results/ResultDetailsDialog.h"
 #include "results/TreemapView.h"
 #include "settings/ExclusionSettings.h"
@@ -14,6 +16,7 @@
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QStyleFactory>
 #include <QTabWidget>
 #include <QToolButton>
 #include <QToolTip>
@@ -42,6 +45,8 @@ private slots:
     void aVolumeRootIsAddedUp();
     void detailsDialogSorting();
     void namesMadeOfSummaryMarksShowAsTheyAre();
+    void textsAndIconsReadInLightAndDarkPalettes_data();
+    void textsAndIconsReadInLightAndDarkPalettes();
 
 private:
     void makeFile(const QString& relative, qint64 size);
@@ -548,6 +553,81 @@ void TestResultsScreen::namesMadeOfSummaryMarksShowAsTheyAre()
     QVERIFY(QToolTip::text().startsWith("Files in "));
     QVERIFY(QToolTip::text().contains("  " + trap + "  8.58 MB"));
     QVERIFY(QToolTip::text().contains("  " + liar + "  4.77 MB"));
+}
+
+namespace {
+
+QPalette darkPalette()
+{
+    QPalette dark;
+    const QColor window(0x30, 0x30, 0x30);
+    for (const auto role :
+         {QPalette::Window, QPalette::Button, QPalette::Base, QPalette::AlternateBase})
+        dark.setColor(role, role == QPalette::Base ? window.darker(130) : window);
+    for (const auto role : {QPalette::WindowText, QPalette::ButtonText, QPalette::Text})
+        dark.setColor(role, QColor(0xee, 0xee, 0xee));
+    return dark;
+}
+
+// Opaque pixels that stand out from the colour behind them: the ink of a text
+// or an icon, as its mean lightness.
+int inkLightness(const QImage& image, const QColor& behind, int* count)
+{
+    qint64 sum = 0;
+    *count = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            const QColor pixel = image.pixelColor(x, y);
+            const int distance = std::abs(pixel.red() - behind.red()) +
+                                 std::abs(pixel.green() - behind.green()) +
+                                 std::abs(pixel.blue() - behind.blue());
+            if (pixel.alpha() > 128 && distance > 150) {
+                sum += pixel.lightness();
+                ++*count;
+            }
+        }
+    }
+    return *count > 0 ? int(sum / *count) : -1;
+}
+
+} // namespace
+
+void TestResultsScreen::textsAndIconsReadInLightAndDarkPalettes_data()
+{
+    QTest::addColumn<QPalette>("palette");
+    QTest::newRow("light") << QStyleFactory::create("Fusion")->standardPalette();
+    QTest::newRow("dark") << darkPalette();
+}
+
+void TestResultsScreen::textsAndIconsReadInLightAndDarkPalettes()
+{
+    QFETCH(QPalette, palette);
+    const QPalette before = QApplication::palette();
+    QApplication::setPalette(palette);
+    PaletteIcons icons;
+    qApp->installEventFilter(&icons);
+    auto form = scanned();
+    qApp->removeEventFilter(&icons);
+    QApplication::setPalette(before);
+    QVERIFY(form);
+    const bool dark = PaletteIcons::isDark(palette);
+
+    // The size text on the root's full bar is dark in both (unselected: a
+    // selected row shows the palette's own highlight instead).
+    auto* tree = child<QTreeView>(form.get(), "treeView");
+    tree->selectionModel()->clear();
+    const QModelIndex size = tree->model()->index(0, 0).siblingAtColumn(FolderColumn::SizeText);
+    const QImage cell = tree->viewport()->grab(tree->visualRect(size)).toImage();
+    int inked = 0;
+    QVERIFY(inkLightness(cell, Qt::yellow, &inked) < 100);
+    QVERIFY(inked > 10);
+
+    // The Back arrow's ink stands out from the window behind it.
+    auto* back = child<QToolButton>(form.get(), "backButton");
+    const QImage arrow = back->icon().pixmap(back->iconSize()).toImage();
+    const int arrowInk = inkLightness(arrow, palette.color(QPalette::Window), &inked);
+    QVERIFY(inked > 10);
+    QVERIFY(dark ? arrowInk > 160 : arrowInk < 100);
 }
 
 QTEST_MAIN(TestResultsScreen)
