@@ -318,6 +318,20 @@ void DiskUsageScanProgressForm::showFolderTree()
     for (int column = Size; column <= Index; ++column)
         view->hideColumn(column);
     showBesideSize(view, OnDisk, SizeText);
+    connect(view, &QTreeView::expanded, this, &DiskUsageScanProgressForm::widenNameColumn);
+}
+
+// Each level down indents the names further: the column grows with the rows
+// shown, as far as leaves the sizes in view, so that deep names are not cut to
+// "...". It never shrinks, so a width the user dragged wider stays.
+void DiskUsageScanProgressForm::widenNameColumn()
+{
+    QTreeView* view = ui->treeView;
+    // Public in the base class; QTreeView keeps its override protected.
+    const int fitting = static_cast<const QAbstractItemView*>(view)->sizeHintForColumn(Name);
+    const int wanted = std::min(fitting, view->viewport()->width() - view->columnWidth(SizeText));
+    if (wanted > view->columnWidth(Name))
+        view->setColumnWidth(Name, wanted);
 }
 
 void DiskUsageScanProgressForm::showBiggestFiles()

@@ -71,6 +71,7 @@ private:
     void buildLegend();
     [[nodiscard]] DiskUsageScanInfoForm* addScanPanel();
     void showFolderTree();
+    void widenNameColumn();
     void showBiggestFiles();
     void showDataFiles();
     void takeResult();

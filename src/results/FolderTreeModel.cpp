@@ -126,6 +126,9 @@ QVariant FolderTreeModel::data(const QModelIndex& index, int role) const
         const bool inOneDrive = !oneDrive.isEmpty() && scan->path(node).startsWith(oneDrive);
         return inOneDrive ? cloudIcon : folderIcon;
     }
+    // A deep folder's name may be cut short: the tooltip has its whole path.
+    if (role == Qt::ToolTipRole && index.column() == Name)
+        return scan->shownPath(node);
     if (role != Qt::DisplayRole && role != Qt::EditRole)
         return {};
     return value(node, index.column());

@@ -45,13 +45,15 @@ private slots:
     void aVolumeRootIsAddedUp();
     void detailsDialogSorting();
     void namesMadeOfSummaryMarksShowAsTheyAre();
+    void deepNamesStayWhole();
     void textsAndIconsReadInLightAndDarkPalettes_data();
     void textsAndIconsReadInLightAndDarkPalettes();
 
 private:
     void makeFile(const QString& relative, qint64 size);
     // A form with finished results for the tree.
-    std::unique_ptr<DiskUsageScanProgressForm> scanned();
+    // The results of a scan of `folder`, by default the test's tree.
+    std::unique_ptr<DiskUsageScanProgressForm> scanned(QString folder = {});
     template <typename T> static T* child(QObject* form, const char* name)
     {
         return form->findChild<T*>(QString::fromLatin1(name));
@@ -109,15 +111,17 @@ void TestResultsScreen::makeFile(const QString& relative, qint64 size)
     QVERIFY(writeSizedFile(dir.filePath(relative), size));
 }
 
-std::unique_ptr<DiskUsageScanProgressForm> TestResultsScreen::scanned()
+std::unique_ptr<DiskUsageScanProgressForm> TestResultsScreen::scanned(QString folder)
 {
+    if (folder.isEmpty())
+        folder = dir.path();
     auto form = std::make_unique<DiskUsageScanProgressForm>();
     form->resize(986, 513);
     form->show();
     QSignalSpy finished(form.get(), &DiskUsageScanProgressForm::scanFinish);
     connect(form.get(), &DiskUsageScanProgressForm::scanFinish, this,
             [this, &form] { finalCount = child<QLabel>(form.get(), "itemScanLabel")->text(); });
-    form->startScanning(QDir::toNativeSeparators(dir.path()));
+    form->startScanning(QDir::toNativeSeparators(folder));
     firstLines = {child<QLabel>(form.get(), "pathLabel")->text(),
                   child<QLabel>(form.get(), "itemScanLabel")->text()};
     if (!finished.wait(20000))
@@ -553,6 +557,31 @@ void TestResultsScreen::namesMadeOfSummaryMarksShowAsTheyAre()
     QVERIFY(QToolTip::text().startsWith("Files in "));
     QVERIFY(QToolTip::text().contains("  " + trap + "  8.58 MB"));
     QVERIFY(QToolTip::text().contains("  " + liar + "  4.77 MB"));
+}
+
+void TestResultsScreen::deepNamesStayWhole()
+{
+    QTemporaryDir deep;
+    QString path = deep.path();
+    for (int level = 1; level <= 9; ++level)
+        path += QStringLiteral("/level %1 of the folders").arg(level);
+    QVERIFY(writeSizedFile(path + "/file", 10));
+    auto form = scanned(deep.path());
+    QVERIFY(form);
+    auto* tree = child<QTreeView>(form.get(), "treeView");
+    QModelIndex folder = tree->model()->index(0, 0);
+    while (tree->model()->rowCount(folder) > 0) {
+        folder = tree->model()->index(0, 0, folder);
+        tree->expand(folder.parent());
+    }
+    // The deepest name fits its cell beside the icon, and the tooltip holds
+    // the whole path.
+    const QString name = folder.data().toString();
+    QCOMPARE(name, QStringLiteral("level 9 of the folders"));
+    const int needed = tree->fontMetrics().horizontalAdvance(name) + 16;
+    QVERIFY2(tree->visualRect(folder).width() >= needed,
+             qPrintable(QString::number(tree->visualRect(folder).width())));
+    QCOMPARE(folder.data(Qt::ToolTipRole).toString(), QDir::toNativeSeparators(path));
 }
 
 namespace {
