@@ -1,0 +1,301 @@
+// Makes the screens shown in the README from the real program: a sample tree
+// is made in a temporary folder and scanned offscreen, and each screen is
+// grabbed as a PNG. The settings go to a throw-away place.
+//
+//   tallyroot-screens OUTDIR [--dark] [--drive PATH] [--only NAME]...
+
+#include "IsolatedSettings.h"
+#include "app/MainWindow.h"
+#include "app/PaletteIcons.h"
+#include "results/DiskUsageScanProgressForm.h"
+#include "results/TreemapView.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QTabWidget>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <QToolButton>
+#include <QTreeView>
+
+#include <cstdio>
+#include <functional>
+
+#ifdef Q_OS_UNIX
+#include <fcntl.h>
+#endif
+
+namespace {
+
+struct Options {
+    QString outDir;
+    bool dark = false;
+    QString drive;
+    QStringList only;
+};
+
+// A file that takes its size on disk too, made without writing it.
+bool makeFile(const QString& path, qint64 size)
+{
+    QDir().mkpath(QFileInfo(path).path());
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly))
+        return false;
+#ifdef Q_OS_UNIX
+    if (size > 0 && posix_fallocate(file.handle(), 0, size) == 0)
+        return true;
+#endif
+    return file.resize(size);
+}
+
+constexpr qint64 MB = 1'000'000;
+
+// Someone's home folder, in brief.
+bool makeSampleTree(const QString& root)
+{
+    struct Sample {
+        const char* path;
+        qint64 size;
+    };
+    const Sample samples[] = {
+        {"Videos/holiday-2025.mp4", 1450 * MB},
+        {"Videos/school-play.mkv", 610 * MB},
+        {"Videos/clips/first-steps.mov", 180 * MB},
+        {"Downloads/debian-12-amd64.iso", 660 * MB},
+        {"Downloads/photo-editor-setup.exe", 95 * MB},
+        {"Downloads/fonts.zip", 14 * MB},
+        {"Backups/phone-2025-06.tar.gz", 540 * MB},
+        {"Documents/thesis.pdf", 12 * MB},
+        {"Documents/budget-2026.xlsx", 2 * MB},
+        {"Documents/letters/landlord.docx", MB / 4},
+        {"Documents/notes.txt", 12'000},
+        {"Projects/site/index.html", 24'000},
+        {"Projects/site/style.css", 9'000},
+        {"Projects/site/logo.svg", 30'000},
+        {"Projects/model/bracket.stl", 38 * MB},
+        {"Projects/disk.img", 256 * MB},
+    };
+    for (const Sample& sample : samples) {
+        if (!makeFile(root + QLatin1Char('/') + QLatin1String(sample.path), sample.size))
+            return false;
+    }
+    for (int album = 1; album <= 4; ++album) {
+        for (int track = 1; track <= 10; ++track) {
+            const QString path = QStringLiteral("%1/Music/Album %2/%3 Track.flac")
+                                     .arg(root)
+                                     .arg(album)
+                                     .arg(track, 2, 10, QLatin1Char('0'));
+            if (!makeFile(path, (18 + (album * 7 + track * 3) % 14) * MB))
+                return false;
+        }
+    }
+    for (int photo = 1; photo <= 60; ++photo) {
+        const QString path = QStringLiteral("%1/Pictures/%2/IMG_%3.jpg")
+                                 .arg(root)
+                                 .arg(photo <= 35 ? 2025 : 2026)
+                                 .arg(photo, 4, 10, QLatin1Char('0'));
+        if (!makeFile(path, (3 + photo % 5) * MB))
+            return false;
+    }
+    return true;
+}
+
+QPalette darkPalette()
+{
+    QPalette dark;
+    const QColor window(0x2d, 0x2d, 0x30);
+    const QColor text(0xe8, 0xe8, 0xe8);
+    dark.setColor(QPalette::Window, window);
+    dark.setColor(QPalette::Button, window.lighter(120));
+    dark.setColor(QPalette::Base, QColor(0x1e, 0x1e, 0x1e));
+    dark.setColor(QPalette::AlternateBase, window);
+    dark.setColor(QPalette::ToolTipBase, window);
+    for (const auto role :
+         {QPalette::WindowText, QPalette::ButtonText, QPalette::Text, QPalette::ToolTipText})
+        dark.setColor(role, text);
+    dark.setColor(QPalette::Highlight, QColor(0x26, 0x4f, 0x78));
+    dark.setColor(QPalette::HighlightedText, Qt::white);
+    return dark;
+}
+
+// Runs the event loop until the condition holds, or for at most `limit` ms.
+bool waitFor(const std::function<bool()>& condition, int limit = 60'000)
+{
+    QElapsedTimer timer;
+    timer.start();
+    while (!condition()) {
+        if (timer.elapsed() > limit)
+            return false;
+        QApplication::processEvents(QEventLoop::AllEvents, 20);
+    }
+    return true;
+}
+
+class Camera {
+public:
+    explicit Camera(Options options)
+        : options(std::move(options))
+    {}
+
+    [[nodiscard]] bool wanted(const QString& name) const
+    {
+        return options.only.isEmpty() || options.only.contains(name);
+    }
+
+    bool take(QWidget* widget, const QString& name)
+    {
+        if (!wanted(name))
+            return true;
+        QApplication::processEvents();
+        const QString file = QDir(options.outDir).filePath(name + QStringLiteral(".png"));
+        const bool saved = widget->grab().save(file);
+        std::printf("%s %s\n", saved ? "wrote" : "could not write", qPrintable(file));
+        return saved;
+    }
+
+    // The next modal dialog, once it is shown; then closes it.
+    void takeNextModal(const QString& name)
+    {
+        QTimer::singleShot(300, [this, name] {
+            if (QWidget* modal = QApplication::activeModalWidget()) {
+                take(modal, name);
+                modal->close();
+            }
+        });
+    }
+
+private:
+    Options options;
+};
+
+DiskUsageScanProgressForm* scan(MainWindow& window, const QString& path)
+{
+    window.scanFolder(path);
+    auto* results = window.findChild<DiskUsageScanProgressForm*>();
+    if (!results)
+        return nullptr;
+    bool finished = false;
+    QObject::connect(results, &DiskUsageScanProgressForm::scanFinish, results,
+                     [&finished] { finished = true; });
+    if (!waitFor([&finished] { return finished; }, 600'000))
+        return nullptr;
+    waitFor([] { return false; }, 300); // the scanning panel goes
+    return results;
+}
+
+template <typename T> T* child(QObject* parent, const char* name)
+{
+    return parent->findChild<T*>(QString::fromLatin1(name));
+}
+
+bool homeAndOptions(MainWindow& window, Camera& camera)
+{
+    auto* tabs = child<QTabWidget>(&window, "tabWidget");
+    bool ok = camera.take(&window, QStringLiteral("home-screen"));
+    if (camera.wanted(QStringLiteral("volume-details"))) {
+        camera.takeNextModal(QStringLiteral("volume-details"));
+        if (auto* info = child<QToolButton>(&window, "infoButton"))
+            info->click();
+    }
+    tabs->setCurrentIndex(2);
+    auto* optionTabs = child<QTabWidget>(tabs->widget(2), "tabWidget");
+    ok = camera.take(&window, QStringLiteral("options-file-types")) && ok;
+    optionTabs->setCurrentIndex(1);
+    ok = camera.take(&window, QStringLiteral("options-exclude-folder")) && ok;
+    optionTabs->setCurrentIndex(0);
+    tabs->setCurrentIndex(0);
+    return ok;
+}
+
+bool results(MainWindow& window, Camera& camera, const QString& folder)
+{
+    DiskUsageScanProgressForm* results = scan(window, folder);
+    if (!results)
+        return false;
+    auto* tabs = child<QTabWidget>(results, "tabWidget");
+    auto* tree = child<QTreeView>(results, "treeView");
+    tree->expand(tree->model()->index(0, 0));
+    bool ok = camera.take(&window, QStringLiteral("results-general"));
+    tabs->setCurrentIndex(1);
+    ok = camera.take(&window, QStringLiteral("results-biggest-files")) && ok;
+    tabs->setCurrentIndex(3);
+    auto* map = child<TreemapView>(results, "treemapView");
+    waitFor([map] { return map->isRendered(); }, 10'000);
+    ok = camera.take(&window, QStringLiteral("results-map")) && ok;
+    child<QToolButton>(results, "backButton")->click();
+    waitFor([&window] { return !window.findChild<DiskUsageScanProgressForm*>(); });
+    return ok;
+}
+
+bool drive(MainWindow& window, Camera& camera, const QString& root)
+{
+    if (!camera.wanted(QStringLiteral("results-drive")))
+        return true;
+    DiskUsageScanProgressForm* results = scan(window, root);
+    if (!results)
+        return false;
+    const bool ok = camera.take(&window, QStringLiteral("results-drive"));
+    child<QToolButton>(results, "backButton")->click();
+    waitFor([&window] { return !window.findChild<DiskUsageScanProgressForm*>(); });
+    return ok;
+}
+
+std::optional<Options> parse(const QStringList& arguments)
+{
+    Options options;
+    for (qsizetype at = 1; at < arguments.size(); ++at) {
+        const QString& argument = arguments.at(at);
+        const bool hasValue = at + 1 < arguments.size();
+        if (argument == QLatin1String("--dark"))
+            options.dark = true;
+        else if (argument == QLatin1String("--drive") && hasValue)
+            options.drive = arguments.at(++at);
+        else if (argument == QLatin1String("--only") && hasValue)
+            options.only << arguments.at(++at);
+        else if (options.outDir.isEmpty() && !argument.startsWith(QLatin1Char('-')))
+            options.outDir = argument;
+        else
+            return std::nullopt;
+    }
+    if (options.outDir.isEmpty())
+        return std::nullopt;
+    return options;
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    QApplication app(argc, argv);
+    const std::optional<Options> options = parse(QApplication::arguments());
+    if (!options) {
+        std::fputs("Usage: tallyroot-screens OUTDIR [--dark] [--drive PATH] [--only NAME]...\n",
+                   stderr);
+        return 2;
+    }
+    QApplication::setStyle(QStringLiteral("Fusion"));
+    app.installEventFilter(new PaletteIcons(&app));
+    if (options->dark)
+        QApplication::setPalette(darkPalette());
+    QDir().mkpath(options->outDir);
+    IsolatedSettings settings;
+    QTemporaryDir home;
+    const QString samples = home.filePath(QStringLiteral("Samples"));
+    Camera camera(*options);
+
+    MainWindow window;
+    window.resize(1000, 620);
+    window.show();
+    bool ok = homeAndOptions(window, camera);
+    const QStringList resultScreens = {"results-general", "results-biggest-files", "results-map"};
+    if (std::any_of(resultScreens.begin(), resultScreens.end(),
+                    [&camera](const QString& name) { return camera.wanted(name); })) {
+        ok = makeSampleTree(samples) && results(window, camera, samples) && ok;
+    }
+    if (!options->drive.isEmpty())
+        ok = drive(window, camera, options->drive) && ok;
+    window.close();
+    return ok ? 0 : 1;
+}
