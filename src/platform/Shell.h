@@ -5,6 +5,8 @@
 #include <QString>
 #include <QWidget>
 
+#include <functional>
+
 class QObject;
 
 // Handing paths to the desktop. Each takes a path with the platform's own
@@ -15,8 +17,11 @@ namespace platform {
 bool exploreFolder(QWidget* owner, const QString& path);
 // Shows a file manager window with the item selected.
 bool showItem(const QString& path, QObject* parent);
-// Opens a file with the program the desktop associates with it.
-bool openFile(const QString& path);
+// Opens a file with the program the desktop associates with it. When that
+// fails, `failed` is called with the reason, at once or once the desktop's
+// opener has ended, unless `context` is gone by then.
+void openFile(const QString& path, QObject* context,
+              const std::function<void(const QString& reason)>& failed);
 // The 16x16 icon the desktop shows for a file; none for a file that is gone.
 [[nodiscard]] QIcon smallFileIcon(const QString& path);
 // The small icon the desktop shows for a folder. Call from the GUI thread.

@@ -48,7 +48,12 @@ void showInExplorer(QString path, QWidget* owner)
 
 void openFile(const QString& fullPath, QWidget* owner)
 {
-    tellIfNotOpened(platform::openFile(fullPath), owner, QDir::toNativeSeparators(fullPath));
+    const QString shown = QDir::toNativeSeparators(fullPath);
+    platform::openFile(fullPath, owner, [owner, shown](const QString& reason) {
+        qCDebug(lcShell).noquote() << "not opened:" << shown << reason;
+        QMessageBox::warning(owner, QStringLiteral("Could not open"),
+                             QStringLiteral("%1\n\ncould not be opened. %2").arg(shown, reason));
+    });
 }
 
 void openLink(const QUrl& link, QWidget* owner)

@@ -66,6 +66,7 @@ private:
     QStringList firstLines; // the path and count lines as the scan starts
     QTemporaryDir dir;
     OpenedUrls opened;
+    FakeOpener opener;
     const QString longName = QString(41, 'L');
 };
 
@@ -99,6 +100,7 @@ void TestResultsScreen::initTestCase()
 void TestResultsScreen::init()
 {
     opened.urls.clear();
+    opener.forget();
 }
 
 void TestResultsScreen::cleanupTestCase()
@@ -231,7 +233,8 @@ void TestResultsScreen::theBiggestFilesTab()
     SKIP_UNLESS_HAND_OFFS_ARE_CAUGHT();
     view->setCurrentIndex(model->index(1, 0));
     child<QToolButton>(form.get(), "openFileBiggestButton")->click();
-    QCOMPARE(opened.urls, QList<QUrl>{QUrl::fromLocalFile(dir.filePath("music/song.mp3"))});
+    QTRY_COMPARE(opener.given(),
+                 QStringList{QUrl::fromLocalFile(dir.filePath("music/song.mp3")).toEncoded()});
 }
 
 void TestResultsScreen::theDataFilesTabAndItsDetails()
@@ -333,7 +336,9 @@ void TestResultsScreen::buttonsFollowTheSelection()
     child<QTreeView>(form.get(), "biggestFileTreeView")->selectionModel()->clearSelection();
     child<QToolButton>(form.get(), "openFileBiggestButton")->click();
     child<QToolButton>(form.get(), "explorerBiggestButton")->click();
+    QTest::qWait(100);
     QVERIFY(opened.urls.isEmpty());
+    QVERIFY(opener.given().isEmpty());
 }
 
 void TestResultsScreen::backReleasesAndReturnsHome()
@@ -418,9 +423,16 @@ void TestResultsScreen::filesDeletedAfterTheScan()
     QVERIFY(QFile::rename(dir.filePath("big.iso"), dir.filePath("moved.iso")));
     auto* view = child<QTreeView>(form.get(), "biggestFileTreeView");
     view->setCurrentIndex(view->model()->index(0, 0));
-    child<QToolButton>(form.get(), "openFileBiggestButton")->click();
     child<QToolButton>(form.get(), "explorerBiggestButton")->click();
-    QCOMPARE(opened.urls.size(), 2); // handed over all the same; nothing breaks
+    // Handed over all the same; the opener's "not there" is said.
+    QString text;
+    answerNextMessage(QMessageBox::Ok, nullptr, &text);
+    opener.setStatus(2);
+    child<QToolButton>(form.get(), "openFileBiggestButton")->click();
+    QTRY_VERIFY(text.endsWith(QStringLiteral("The file is not there any more.")));
+    opener.setStatus(0);
+    QCOMPARE(opener.given().size(), 1);
+    QCOMPARE(opened.urls.size(), 1);
     QVERIFY(QFile::rename(dir.filePath("moved.iso"), dir.filePath("big.iso")));
 }
 
@@ -442,7 +454,19 @@ void TestResultsScreen::aFileNothingOpensSaysSo()
     qputenv("PATH", path);
     QDesktopServices::setUrlHandler("file", &opened, "open");
     QCOMPARE(title, QStringLiteral("Could not open"));
-    QVERIFY(text.endsWith(QDir::toNativeSeparators(dir.filePath("big.iso"))));
+    const QString shown = QDir::toNativeSeparators(dir.filePath("big.iso"));
+    QVERIFY(text.startsWith(shown));
+
+    // An opener that finds no program for the file ("no method available").
+    title.clear();
+    answerNextMessage(QMessageBox::Ok, &title, &text);
+    opener.setStatus(3);
+    child<QToolButton>(form.get(), "openFileBiggestButton")->click();
+    QTRY_COMPARE(title, QStringLiteral("Could not open"));
+    opener.setStatus(0);
+    QCOMPARE(text, shown + QStringLiteral("\n\ncould not be opened. No program on this system "
+                                          "opens files of this type."));
+    QCOMPARE(opener.given().size(), 1);
 }
 
 void TestResultsScreen::unreadableFoldersAreCounted()

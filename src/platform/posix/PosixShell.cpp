@@ -9,6 +9,9 @@
 #include <QFileDialog>
 #include <QFileIconProvider>
 #include <QFileInfo>
+#include <QPointer>
+#include <QProcess>
+#include <QStandardPaths>
 #include <QUrl>
 
 namespace platform {
@@ -47,9 +50,58 @@ bool showItem(const QString& path, QObject*)
     return QDesktopServices::openUrl(localUrl(QFileInfo(path).path()));
 }
 
-bool openFile(const QString& path)
+namespace {
+
+// What the exit status of xdg-open says went wrong.
+QString openerFailure(int status)
 {
-    return QDesktopServices::openUrl(localUrl(path));
+    switch (status) {
+    case 2:
+        return QStringLiteral("The file is not there any more.");
+    case 3:
+        return QStringLiteral("No program on this system opens files of this type.");
+    case 4:
+        return QStringLiteral("The program meant to open it failed.");
+    default:
+        return QStringLiteral("The desktop's opener (xdg-open) ended with status %1.").arg(status);
+    }
+}
+
+} // namespace
+
+// Run here rather than through QDesktopServices, which starts xdg-open and
+// forgets it, so that its failure ("no method available") reaches the user.
+void openFile(const QString& path, QObject* context,
+              const std::function<void(const QString& reason)>& failed)
+{
+    const QString opener = QStandardPaths::findExecutable(QStringLiteral("xdg-open"));
+    if (opener.isEmpty()) {
+        failed(QStringLiteral("This system has no program that opens files (xdg-open)."));
+        return;
+    }
+    // No parent, and left running when the program ends: xdg-open may wait
+    // for the program it started, which a closing window must not end.
+    auto* process = new QProcess;
+    process->setProgram(opener);
+    process->setArguments({QString::fromLatin1(localUrl(path).toEncoded())});
+    process->setStandardOutputFile(QProcess::nullDevice());
+    process->setStandardErrorFile(QProcess::nullDevice());
+    const QPointer<QObject> guard(context);
+    QObject::connect(process, &QProcess::finished, process,
+                     [process, guard, failed](int status, QProcess::ExitStatus exit) {
+                         process->deleteLater();
+                         if (guard && (exit != QProcess::NormalExit || status != 0))
+                             failed(openerFailure(status));
+                     });
+    QObject::connect(process, &QProcess::errorOccurred, process,
+                     [process, guard, failed](QProcess::ProcessError error) {
+                         if (error != QProcess::FailedToStart)
+                             return;
+                         process->deleteLater();
+                         if (guard)
+                             failed(QStringLiteral("xdg-open could not be started."));
+                     });
+    process->start();
 }
 
 QIcon smallFileIcon(const QString& path)

@@ -55,13 +55,29 @@ bool showItem(const QString& path, QObject* parent)
     return explorer->waitForStarted();
 }
 
-bool openFile(const QString& path)
+void openFile(const QString& path, QObject*,
+              const std::function<void(const QString& reason)>& failed)
 {
     // The file's own path as the working folder, as the shell has always had it.
     const std::wstring file = wide(path);
     const auto result = reinterpret_cast<INT_PTR>(
         ShellExecuteW(nullptr, L"open", file.c_str(), nullptr, file.c_str(), SW_SHOWNORMAL));
-    return result > 32; // smaller values are the shell's error codes
+    if (result > 32) // smaller values are the shell's error codes
+        return;
+    switch (result) {
+    case ERROR_FILE_NOT_FOUND:
+    case ERROR_PATH_NOT_FOUND:
+        failed(QStringLiteral("The file is not there any more."));
+        break;
+    case SE_ERR_NOASSOC:
+        failed(QStringLiteral("No program on this system opens files of this type."));
+        break;
+    case SE_ERR_ACCESSDENIED:
+        failed(QStringLiteral("Access was denied."));
+        break;
+    default:
+        failed(QStringLiteral("Windows could not open it (error %1).").arg(result));
+    }
 }
 
 QIcon smallFileIcon(const QString& path)
