@@ -13,6 +13,11 @@ class QObject;
 // separators, and returns false when nothing could take the path.
 namespace platform {
 
+// The path as the file manager can take it. Windows Explorer takes no path
+// of MAX_PATH characters or more: such a path is given in its short (8.3)
+// form, or where that is still too long, as the nearest folder above it that
+// is short enough. Elsewhere the path itself.
+[[nodiscard]] QString fileManagerPath(const QString& path);
 // Opens a folder in a file manager window.
 bool exploreFolder(QWidget* owner, const QString& path);
 // Shows a file manager window with the item selected.

@@ -37,13 +37,13 @@ void exploreFolder(QWidget* owner, QString path)
 {
     qCDebug(lcShell).noquote() << "path:" << path;
     path = withoutTrailingSeparator(QDir::toNativeSeparators(path));
-    tellIfNotOpened(platform::exploreFolder(owner, path), owner, path);
+    tellIfNotOpened(platform::exploreFolder(owner, platform::fileManagerPath(path)), owner, path);
 }
 
 void showInExplorer(QString path, QWidget* owner)
 {
     path = withoutTrailingSeparator(QDir::toNativeSeparators(path));
-    tellIfNotOpened(platform::showItem(path, owner), owner, path);
+    tellIfNotOpened(platform::showItem(platform::fileManagerPath(path), owner), owner, path);
 }
 
 void openFile(const QString& fullPath, QWidget* owner)

@@ -2,6 +2,7 @@
 #include "NextModal.h"
 #include "TestSupport.h"
 #include "app/PaletteIcons.h"
+#include "platform/Shell.h"
 #include "platform/Volumes.h"
 #include "results/DiskUsageScanInfoForm.h"
 #include "results/DiskUsageScanProgressForm.h"
@@ -46,6 +47,7 @@ private slots:
     void detailsDialogSorting();
     void namesMadeOfSummaryMarksShowAsTheyAre();
     void deepNamesStayWhole();
+    void longPathsReachTheFileManager();
     void textsAndIconsReadInLightAndDarkPalettes_data();
     void textsAndIconsReadInLightAndDarkPalettes();
 
@@ -606,6 +608,24 @@ void TestResultsScreen::deepNamesStayWhole()
     QVERIFY2(tree->visualRect(folder).width() >= needed,
              qPrintable(QString::number(tree->visualRect(folder).width())));
     QCOMPARE(folder.data(Qt::ToolTipRole).toString(), QDir::toNativeSeparators(path));
+}
+
+void TestResultsScreen::longPathsReachTheFileManager()
+{
+    QTemporaryDir deep;
+    QString path = deep.path();
+    for (int level = 1; path.size() < 320; ++level)
+        path += QStringLiteral("/a folder far below the others %1").arg(level);
+    QVERIFY(QDir().mkpath(path));
+    const QString native = QDir::toNativeSeparators(path);
+    const QString given = platform::fileManagerPath(native);
+    if (QSysInfo::kernelType() != QLatin1String("winnt")) {
+        QCOMPARE(given, native);
+        return;
+    }
+    // Explorer takes it: shorter than MAX_PATH, and a folder there.
+    QVERIFY2(given.size() < 260, qPrintable(given));
+    QVERIFY(QFileInfo(given).isDir());
 }
 
 namespace {

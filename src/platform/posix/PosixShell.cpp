@@ -30,6 +30,11 @@ QUrl localUrl(const QString& path)
 
 } // namespace
 
+QString fileManagerPath(const QString& path)
+{
+    return path;
+}
+
 bool exploreFolder(QWidget*, const QString& path)
 {
     return QDesktopServices::openUrl(localUrl(path));

@@ -33,6 +33,30 @@ bool shellIconOf(const QString& path, SHFILEINFOW& info)
 
 } // namespace
 
+QString fileManagerPath(const QString& path)
+{
+    if (path.size() < MAX_PATH)
+        return path;
+    const std::wstring extended = L"\\\\?\\" + wide(path);
+    std::wstring shortPath(extended.size() + 1, L'\0');
+    const DWORD length =
+        GetShortPathNameW(extended.c_str(), shortPath.data(), DWORD(shortPath.size()));
+    if (length > 0 && length < shortPath.size()) {
+        shortPath.resize(length);
+        const QString shortened = QString::fromStdWString(shortPath).mid(4);
+        if (shortened.size() < MAX_PATH)
+            return shortened;
+    }
+    QString folder = path;
+    while (folder.size() >= MAX_PATH) {
+        const qsizetype separator = folder.lastIndexOf(QLatin1Char('\\'));
+        if (separator <= 0)
+            return path;
+        folder.truncate(separator);
+    }
+    return folder;
+}
+
 bool exploreFolder(QWidget* owner, const QString& path)
 {
     const std::wstring file = wide(path);
