@@ -2,6 +2,7 @@
 
 #include "platform/NativeText.h"
 
+#include <QDir>
 #include <QIODevice>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -241,7 +242,7 @@ QByteArray ScanJsonWriter::categories() const
             files.append(QJsonObject{{"fileName", file.fileName},
                                      {"sizeText", file.sizeText},
                                      {"lastAccessText", file.lastAccessText},
-                                     {"filePath", file.filePath},
+                                     {"filePath", QDir::toNativeSeparators(file.filePath)},
                                      {"size", file.size},
                                      {"index", file.index}});
         }

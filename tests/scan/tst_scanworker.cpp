@@ -343,6 +343,9 @@ void TestScanWorker::categoriesCountEveryMatchingFile()
     QCOMPARE(scan.dataFiles[5].first().size, 25);
     QCOMPARE(scan.dataFiles[5].first().fileName, QStringLiteral("doc25.txt"));
     QCOMPARE(scan.dataFiles[5].first().filePath, QDir::fromNativeSeparators(under("d")));
+    // The JSON, read by people and scripts, has the system's separators.
+    const QJsonValue written = QJsonDocument::fromJson(scan.json)["categories"][5]["files"][0];
+    QCOMPARE(written["filePath"].toString(), QDir::toNativeSeparators(under("d")));
     QVERIFY(scan.dataFiles[10].isEmpty());
     QSet<int> indexes;
     for (const auto& list : scan.dataFiles) {
