@@ -8,6 +8,8 @@ set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "disk usage analyser: see where the space on your disks went")
 set(CPACK_PACKAGE_DIRECTORY ${CMAKE_BINARY_DIR})
 set(CPACK_STRIP_FILES ON)
+# The values reach CPack as written here: the installer's script holds "\" and "${".
+set(CPACK_VERBATIM_VARIABLES ON)
 
 if(WIN32)
     include(WindowsInstaller)
