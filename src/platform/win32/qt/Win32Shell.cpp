@@ -132,6 +132,9 @@ QPixmap largeIcon(const QString& path)
         return {};
     QPixmap pixmap = QPixmap::fromImage(QImage::fromHICON(icon));
     DestroyIcon(icon);
+    // The list is drawn for the screen's scaling (72 pixels at 150%): it is
+    // shown at 48 of the window's own pixels, as the card has room for.
+    pixmap.setDevicePixelRatio(qreal(pixmap.width()) / 48);
     return pixmap;
 }
 
