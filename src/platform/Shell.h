@@ -10,7 +10,8 @@
 class QObject;
 
 // Handing paths to the desktop. Each takes a path with the platform's own
-// separators, and returns false when nothing could take the path.
+// separators; those that return a flag return false when nothing could take
+// the path.
 namespace platform {
 
 // The path as the file manager can take it. Windows Explorer takes no path

@@ -84,7 +84,8 @@ void FolderReadAhead::free(std::vector<FolderPtr> folders)
         FolderPtr last = std::move(folders.back());
         folders.pop_back();
         if (last && last.use_count() == 1) {
-            std::atomic_thread_fence(std::memory_order_acquire);
+            // Its reader filled the subfolders before it marked it read.
+            last->state.load(std::memory_order_acquire);
             for (FolderPtr& below : last->subfolders)
                 folders.push_back(std::move(below));
         }

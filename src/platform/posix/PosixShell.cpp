@@ -28,6 +28,23 @@ QUrl localUrl(const QString& path)
     return QUrl::fromEncoded("file://" + bytes.toPercentEncoding("/"));
 }
 
+// What the exit status of xdg-open says went wrong.
+QString openerFailure(int status, QProcess::ExitStatus exit)
+{
+    if (exit == QProcess::CrashExit)
+        return QStringLiteral("The desktop's opener (xdg-open) stopped unexpectedly.");
+    switch (status) {
+    case 2:
+        return QStringLiteral("The file is not there any more.");
+    case 3:
+        return QStringLiteral("No program on this system opens files of this type.");
+    case 4:
+        return QStringLiteral("The program meant to open it failed.");
+    default:
+        return QStringLiteral("The desktop's opener (xdg-open) ended with status %1.").arg(status);
+    }
+}
+
 } // namespace
 
 QString fileManagerPath(const QString& path)
@@ -55,25 +72,6 @@ bool showItem(const QString& path, QObject*)
     return QDesktopServices::openUrl(localUrl(QFileInfo(path).path()));
 }
 
-namespace {
-
-// What the exit status of xdg-open says went wrong.
-QString openerFailure(int status)
-{
-    switch (status) {
-    case 2:
-        return QStringLiteral("The file is not there any more.");
-    case 3:
-        return QStringLiteral("No program on this system opens files of this type.");
-    case 4:
-        return QStringLiteral("The program meant to open it failed.");
-    default:
-        return QStringLiteral("The desktop's opener (xdg-open) ended with status %1.").arg(status);
-    }
-}
-
-} // namespace
-
 // Run here rather than through QDesktopServices, which starts xdg-open and
 // forgets it, so that its failure ("no method available") reaches the user.
 void openFile(const QString& path, QObject* context,
@@ -96,7 +94,7 @@ void openFile(const QString& path, QObject* context,
                      [process, guard, failed](int status, QProcess::ExitStatus exit) {
                          process->deleteLater();
                          if (guard && (exit != QProcess::NormalExit || status != 0))
-                             failed(openerFailure(status));
+                             failed(openerFailure(status, exit));
                      });
     QObject::connect(process, &QProcess::errorOccurred, process,
                      [process, guard, failed](QProcess::ProcessError error) {
