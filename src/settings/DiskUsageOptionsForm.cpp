@@ -77,6 +77,11 @@ DiskUsageOptionsForm::DiskUsageOptionsForm(QWidget* parent)
     ui->setupUi(this);
     ui->tabWidget->setCurrentIndex(0);
     ui->saveButton->setEnabled(false);
+    // A check box toggled from the keyboard changes a tree without a click.
+    connect(ui->treeWidget, &QTreeWidget::itemChanged, this,
+            [this](QTreeWidgetItem* item) { on_treeWidget_itemClicked(item, 0); });
+    connect(ui->excludeTreeWidget, &QTreeWidget::itemChanged, this,
+            [this](QTreeWidgetItem* item) { on_excludeTreeWidget_itemClicked(item, 0); });
 }
 
 DiskUsageOptionsForm::~DiskUsageOptionsForm() = default;

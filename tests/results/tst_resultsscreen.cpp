@@ -668,7 +668,8 @@ int inkLightness(const QImage& image, const QColor& behind, int* count)
 void TestResultsScreen::textsAndIconsReadInLightAndDarkPalettes_data()
 {
     QTest::addColumn<QPalette>("palette");
-    QTest::newRow("light") << QStyleFactory::create("Fusion")->standardPalette();
+    const std::unique_ptr<QStyle> fusion(QStyleFactory::create("Fusion"));
+    QTest::newRow("light") << fusion->standardPalette();
     QTest::newRow("dark") << darkPalette();
 }
 

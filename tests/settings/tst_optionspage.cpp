@@ -33,6 +33,7 @@ private slots:
     void tenFoldersAtMostAndNoneTwice();
     void anExcludedFolderIsLeftOutOfAScan();
     void removalsLeaveNothingUnsaved();
+    void aCheckBoxToggledByKeyIsAChange();
     void restoreTheDefaults();
     void badStoredValues();
 
@@ -373,6 +374,20 @@ void TestOptionsPage::removalsLeaveNothingUnsaved()
     QCOMPARE(ExclusionSettings::excludeOneDriveFolder(), 1u);
     QCOMPARE(ExclusionSettings::excludeList().size(), 3);
     QCOMPARE(folders(form.get())->topLevelItemCount(), 2);
+}
+
+void TestOptionsPage::aCheckBoxToggledByKeyIsAChange()
+{
+    SettingsStore::writeString(QStringLiteral("ExludeFolder0"), "1;" + path("folders/f0"));
+    for (const char* name : {"treeWidget", "excludeTreeWidget"}) {
+        auto form = page();
+        auto* tree = form->findChild<QTreeWidget*>(name);
+        tree->setFocus();
+        tree->setCurrentItem(tree->topLevelItem(0));
+        QTest::keyClick(tree, Qt::Key_Space);
+        QCOMPARE(tree->topLevelItem(0)->checkState(0), Qt::Unchecked);
+        QVERIFY2(form->hasUnsavedChanges(), name);
+    }
 }
 
 void TestOptionsPage::restoreTheDefaults()
