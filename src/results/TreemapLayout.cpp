@@ -1,15 +1,11 @@
 #include "TreemapLayout.h"
 
+#include "scan/DiskUsageGlobal.h"
+
 #include <algorithm>
 #include <numeric>
 
 namespace {
-
-// Totals of sparse files stop at the largest size; so does their sum here.
-std::uint64_t addSaturating(std::uint64_t total, std::uint64_t amount)
-{
-    return __builtin_add_overflow(total, amount, &total) ? ~std::uint64_t(0) : total;
-}
 
 // The worse aspect ratio in a row of areas laid along a side of the given length.
 double worstRatio(double sum, double smallest, double largest, double side)
@@ -84,7 +80,7 @@ std::vector<TreemapLayout::Child> TreemapLayout::childrenOf(const ScanTree& tree
     std::uint64_t inSubfolders = 0;
     for (ScanTree::Index child : tree.shownSubfolders(folder)) {
         children.push_back({child, tree.node(child).size, 0});
-        inSubfolders = addSaturating(inSubfolders, tree.node(child).size);
+        DiskUsageGlobal::addSaturating(inSubfolders, tree.node(child).size);
     }
     std::stable_sort(children.begin(), children.end(),
                      [](const Child& a, const Child& b) { return a.size > b.size; });

@@ -4,6 +4,8 @@
 #include <QMetaType>
 #include <QString>
 
+#include <limits>
+
 // The records one scan produces, and the helpers every consumer shares.
 namespace DiskUsageGlobal {
 
@@ -60,6 +62,13 @@ inline const QString imageFiles3d = QStringLiteral("3D Image Files");
 [[nodiscard]] QString lastAccessText(quint64 fileTime);
 // "." followed by everything after the first dot of the name; "." without one.
 [[nodiscard]] QString extensionKey(const QString& fileName);
+// Sparse files can claim up to 2^63 bytes each: a total that would pass the
+// largest value stays at it rather than wrap.
+template <typename Number> void addSaturating(Number& total, Number amount)
+{
+    if (__builtin_add_overflow(total, amount, &total))
+        total = std::numeric_limits<Number>::max();
+}
 // Keeps the `limit` largest entries, largest first: a new entry goes before the
 // first strictly smaller one, so ties keep the earlier entry in front. The
 // entry is made only when it will be kept. True when it was kept.

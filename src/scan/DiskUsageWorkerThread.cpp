@@ -6,24 +6,12 @@
 #include <QLoggingCategory>
 
 #include <algorithm>
-#include <limits>
 
 Q_LOGGING_CATEGORY(lcWorker, "tallyroot.scan", QtInfoMsg)
 
+using DiskUsageGlobal::addSaturating;
 using DiskUsageGlobal::TFileInfo;
 using DiskUsageGlobal::TMainDataFile;
-
-namespace {
-
-// Sparse files can claim up to 2^63 bytes each: a total that would pass the
-// largest value stays at it rather than wrap.
-template <typename Number> void addSaturating(Number& total, Number amount)
-{
-    if (__builtin_add_overflow(total, amount, &total))
-        total = std::numeric_limits<Number>::max();
-}
-
-} // namespace
 
 // One folder of the walk, from the moment it is entered until it is finished.
 struct DiskUsageWorkerThread::Frame {

@@ -20,8 +20,10 @@
 #include <QToolButton>
 #include <QTreeView>
 
+#include <algorithm>
 #include <cstdio>
 #include <functional>
+#include <optional>
 
 #ifdef Q_OS_UNIX
 #include <fcntl.h>
@@ -190,6 +192,12 @@ template <typename T> T* child(QObject* parent, const char* name)
     return parent->findChild<T*>(QString::fromLatin1(name));
 }
 
+void goBack(MainWindow& window, DiskUsageScanProgressForm* results)
+{
+    child<QToolButton>(results, "backButton")->click();
+    waitFor([&window] { return !window.findChild<DiskUsageScanProgressForm*>(); });
+}
+
 bool homeAndOptions(MainWindow& window, Camera& camera)
 {
     auto* tabs = child<QTabWidget>(&window, "tabWidget");
@@ -224,8 +232,7 @@ bool results(MainWindow& window, Camera& camera, const QString& folder)
     auto* map = child<TreemapView>(results, "treemapView");
     waitFor([map] { return map->isRendered(); }, 10'000);
     ok = camera.take(&window, QStringLiteral("results-map")) && ok;
-    child<QToolButton>(results, "backButton")->click();
-    waitFor([&window] { return !window.findChild<DiskUsageScanProgressForm*>(); });
+    goBack(window, results);
     return ok;
 }
 
@@ -237,8 +244,7 @@ bool drive(MainWindow& window, Camera& camera, const QString& root)
     if (!results)
         return false;
     const bool ok = camera.take(&window, QStringLiteral("results-drive"));
-    child<QToolButton>(results, "backButton")->click();
-    waitFor([&window] { return !window.findChild<DiskUsageScanProgressForm*>(); });
+    goBack(window, results);
     return ok;
 }
 
