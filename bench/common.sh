@@ -18,18 +18,20 @@ prepare() {
     fi
 }
 
-# median: the middle line of its input, sorted by the first number.
-median() {
-    sort -n | sed -n "$(( (runs + 1) / 2 ))p"
+# summary: of lines "seconds peak-KiB", the median run's two figures, then the
+# fewest and the most seconds of all runs.
+summary() {
+    sort -n | awk '{ s[NR] = $1; k[NR] = $2 }
+        END { m = int((NR + 1) / 2); print s[m], k[m], s[1], s[NR] }'
 }
 
-# measure COMMAND...: "seconds peak-KiB" of the median of $runs runs, after one
-# run that warms the cache.
+# measure COMMAND...: "seconds peak-KiB min max" (see summary) of $runs runs,
+# after one run that warms the cache.
 measure() {
     "$@" >/dev/null 2>&1
     for _ in $(seq $runs); do
         /usr/bin/time -f "%e %M" "$@" 2>&1 >/dev/null | tail -n 1
-    done | median
+    done | summary
 }
 
 # Cold runs need the page cache dropped, which only root may do.
@@ -42,7 +44,14 @@ measure_cold() {
     for _ in $(seq $runs); do
         can_drop_caches
         /usr/bin/time -f "%e %M" "$@" 2>&1 >/dev/null | tail -n 1
-    done | median
+    done | summary
+}
+
+# report LABEL SECONDS KIB MIN MAX DU-SECONDS: a line of the median time, its
+# range, the ratio to du's median (and of the range), and the peak memory.
+report() {
+    printf '%-34s %6.2f s (%.2f-%.2f)  %s x du (%s-%s)  peak %4d MiB\n' "$1" "$2" "$4" "$5" \
+        "$(ratio "$2" "$6")" "$(ratio "$4" "$6")" "$(ratio "$5" "$6")" $(($3 / 1024))
 }
 
 # ratio A B: A / B with two decimals.

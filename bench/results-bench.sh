@@ -16,24 +16,27 @@ source bench/common.sh
 prepare "$tree" tallyroot-scan tallyroot-results-bench
 
 build/bench/tallyroot-results-bench "$tree" >/dev/null 2>&1 # warm the cache
-# median_line KEY ARGS...: the run whose figure after KEY is the median.
+# median_line KEY ARGS...: the run whose figure after KEY is the median, and
+# that figure's range over the runs.
 median_line() {
     local key=$1; shift
     for _ in $(seq $runs); do
         build/bench/tallyroot-results-bench "$@" 2>/dev/null | grep '^results'
     done | awk -v key="$key" '{ for (i = 1; i < NF; i++) if ($i == key) print $(i + 1), $0 }' |
-        sort -n | sed -n "$(( (runs + 1) / 2 ))p" | cut -d' ' -f2-
+        sort -n | awk -v key="$key" '{ f[NR] = $1; sub(/^[^ ]* /, ""); l[NR] = $0 }
+            END { print l[int((NR + 1) / 2)] " (" key " " f[1] "-" f[NR] " s)" }'
 }
 screen=$(median_line results "$tree")
 map=$(median_line map --map "$tree")
 results_seconds=$(awk '{ print $2 }' <<<"$screen")
-read -r scan_seconds scan_kib < <(measure build/src/tallyroot-scan --defaults "$tree")
-read -r du_seconds _ < <(measure du -sbl -x "$tree")
+read -r scan_seconds scan_kib scan_min scan_max < <(measure build/src/tallyroot-scan --defaults "$tree")
+read -r du_seconds _ du_min du_max < <(measure du -sbl -x "$tree")
 
 echo "tree:            $tree"
 echo "results screen:  $screen (median of $runs)"
 echo "with the map:    $map (median of $runs)"
 echo "map memory:      $(( $(sed -E 's/.*peak ([0-9]+) MiB.*/\1/' <<<"$map") - $(sed -E 's/.*peak ([0-9]+) MiB.*/\1/' <<<"$screen") )) MiB more than without it"
-printf 'tallyroot-scan:  %.2f s  peak %d MiB\n' "$scan_seconds" $((scan_kib / 1024))
-printf 'du -sb -l:       %.2f s\n' "$du_seconds"
+printf 'tallyroot-scan:  %.2f s (%.2f-%.2f)  peak %d MiB\n' "$scan_seconds" "$scan_min" "$scan_max" \
+    $((scan_kib / 1024))
+printf 'du -sb -l:       %.2f s (%.2f-%.2f)\n' "$du_seconds" "$du_min" "$du_max"
 echo "ratio:           $(ratio "$results_seconds" "$du_seconds") x du, $(ratio "$results_seconds" "$scan_seconds") x tallyroot-scan"

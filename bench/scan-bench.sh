@@ -7,7 +7,7 @@
 #
 # Makes the tree on first use (1,000,000 sparse files in 100,000 folders, depth
 # up to 12), then times three runs of each program and reports the median wall
-# time, the ratio to du and the peak memory: warm, and cold when the page
+# time with the range of the runs, the ratio to du and the peak memory: warm, and cold when the page
 # cache can be dropped (as root). tallyroot-scan runs with one thread (the
 # walk reads every folder itself) and with its default readers, and once more
 # with --json. The JSON of 1, 2 and 8 readers must be the same byte for byte.
@@ -25,10 +25,6 @@ scan=build/src/tallyroot-scan
 json=$(mktemp -d /tmp/tallyroot-bench-json.XXXXXX)
 trap 'rm -rf "$json"' EXIT
 
-report() { # LABEL SECONDS KIB DU-SECONDS
-    printf '%-32s %6.2f s  %5s x du  peak %4d MiB\n' "$1" "$2" "$(ratio "$2" "$4")" $(($3 / 1024))
-}
-
 # The engine as it was at another revision, built from its own sources.
 baseline=
 if [ -n "${BASELINE:-}" ]; then
@@ -43,34 +39,34 @@ if [ -n "${BASELINE:-}" ]; then
     baseline=$base/build/src/tallyroot-scan
 fi
 
-read -r du_seconds du_kib < <(measure du -sbl -x "$tree")
-read -r one_seconds one_kib < <(measure "$scan" --defaults --threads 1 "$tree")
-read -r scan_seconds scan_kib < <(measure "$scan" --defaults "$tree")
-read -r json_seconds json_kib < <(measure "$scan" --defaults --json "$json/default.json" "$tree")
-[ -z "$baseline" ] || read -r base_seconds base_kib < <(measure "$baseline" --defaults "$tree")
+read -r du_seconds du_kib du_min du_max < <(measure du -sbl -x "$tree")
+read -r one_seconds one_kib one_min one_max < <(measure "$scan" --defaults --threads 1 "$tree")
+read -r scan_seconds scan_kib scan_min scan_max < <(measure "$scan" --defaults "$tree")
+read -r json_seconds json_kib json_min json_max < <(measure "$scan" --defaults --json "$json/default.json" "$tree")
+[ -z "$baseline" ] || read -r base_seconds base_kib base_min base_max < <(measure "$baseline" --defaults "$tree")
 
 summary=$("$scan" --defaults "$tree" 2>/dev/null)
 echo "tree:    $tree"
 echo "engine:  $summary"
 echo "readers: $("$scan" --help | sed -nE 's/.*Default: ([0-9]+).*/\1/p') by default"
 echo "warm, median of $runs:"
-report "  du -sb -l" "$du_seconds" "$du_kib" "$du_seconds"
-report "  tallyroot-scan --threads 1" "$one_seconds" "$one_kib" "$du_seconds"
-report "  tallyroot-scan" "$scan_seconds" "$scan_kib" "$du_seconds"
-report "  tallyroot-scan --json" "$json_seconds" "$json_kib" "$du_seconds"
+report "  du -sb -l" "$du_seconds" "$du_kib" "$du_min" "$du_max" "$du_seconds"
+report "  tallyroot-scan --threads 1" "$one_seconds" "$one_kib" "$one_min" "$one_max" "$du_seconds"
+report "  tallyroot-scan" "$scan_seconds" "$scan_kib" "$scan_min" "$scan_max" "$du_seconds"
+report "  tallyroot-scan --json" "$json_seconds" "$json_kib" "$json_min" "$json_max" "$du_seconds"
 if [ -n "$baseline" ]; then
-    report "  tallyroot-scan at $BASELINE" "$base_seconds" "$base_kib" "$du_seconds"
+    report "  tallyroot-scan at $BASELINE" "$base_seconds" "$base_kib" "$base_min" "$base_max" "$du_seconds"
     echo "  this build against $BASELINE: time $(ratio "$scan_seconds" "$base_seconds") x," \
          "peak memory $(ratio "$scan_kib" "$base_kib") x"
 fi
 if can_drop_caches; then
-    read -r du_cold du_cold_kib < <(measure_cold du -sbl -x "$tree")
-    read -r one_cold one_cold_kib < <(measure_cold "$scan" --defaults --threads 1 "$tree")
-    read -r scan_cold scan_cold_kib < <(measure_cold "$scan" --defaults "$tree")
+    read -r du_cold du_cold_kib du_cold_min du_cold_max < <(measure_cold du -sbl -x "$tree")
+    read -r one_cold one_cold_kib one_cold_min one_cold_max < <(measure_cold "$scan" --defaults --threads 1 "$tree")
+    read -r scan_cold scan_cold_kib scan_cold_min scan_cold_max < <(measure_cold "$scan" --defaults "$tree")
     echo "cold (page cache dropped before each run), median of $runs:"
-    report "  du -sb -l" "$du_cold" "$du_cold_kib" "$du_cold"
-    report "  tallyroot-scan --threads 1" "$one_cold" "$one_cold_kib" "$du_cold"
-    report "  tallyroot-scan" "$scan_cold" "$scan_cold_kib" "$du_cold"
+    report "  du -sb -l" "$du_cold" "$du_cold_kib" "$du_cold_min" "$du_cold_max" "$du_cold"
+    report "  tallyroot-scan --threads 1" "$one_cold" "$one_cold_kib" "$one_cold_min" "$one_cold_max" "$du_cold"
+    report "  tallyroot-scan" "$scan_cold" "$scan_cold_kib" "$scan_cold_min" "$scan_cold_max" "$du_cold"
 else
     echo "cold: skipped (dropping the page cache needs root)"
 fi

@@ -11,11 +11,12 @@
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QFileInfo>
 #include <QSaveFile>
 
 #include <cstdio>
 #include <cstdlib>
-#include <optional>
+#include <memory>
 
 namespace {
 
@@ -40,6 +41,40 @@ ScanRequest requestFor(const QString& path, bool defaults, const QStringList& ex
 {
     std::fprintf(stderr, "tallyroot-scan: %s\n", qPrintable(message));
     std::exit(1);
+}
+
+// A file is written beside its place and takes it only once whole, so that a
+// failed write leaves the file that was there. What is not a file (a pipe, a
+// terminal, /dev/null) is written into: taking its place would put a file
+// where a device was. Checked before the scan, not after it.
+std::unique_ptr<QFileDevice> openJson(const QString& name)
+{
+    const QFileInfo target(name);
+    std::unique_ptr<QFileDevice> file;
+    if (target.exists() && !target.isFile()) {
+        file = std::make_unique<QFile>(name);
+    } else {
+        auto whole = std::make_unique<QSaveFile>(name);
+        // A folder that takes no new files is written in place.
+        whole->setDirectWriteFallback(true);
+        file = std::move(whole);
+    }
+    if (!file->open(QIODevice::WriteOnly))
+        fail("cannot write " + name);
+    return file;
+}
+
+bool finishJson(QFileDevice& file, bool written)
+{
+    auto* whole = qobject_cast<QSaveFile*>(&file);
+    if (!whole) {
+        const bool flushed = file.flush();
+        file.close();
+        return written && flushed;
+    }
+    if (!written)
+        whole->cancelWriting(); // commit() then takes the temporary file away
+    return whole->commit() && written;
 }
 
 } // namespace
@@ -100,18 +135,8 @@ int main(int argc, char* argv[])
         if (!number || request.readers < 1)
             fail("--threads takes a whole number from 1 up");
     }
-    // A file that cannot be written is found before the scan, not after it.
-    // A file is written beside its place and takes it only once whole, so
-    // that a failed write leaves the file that was there.
-    std::optional<QSaveFile> json;
-    if (parser.isSet("json")) {
-        json.emplace(parser.value("json"));
-        // A pipe, a device or a file in a folder that takes no new files is
-        // written directly.
-        json->setDirectWriteFallback(true);
-        if (!json->open(QIODevice::WriteOnly))
-            fail("cannot write " + json->fileName());
-    }
+    const std::unique_ptr<QFileDevice> json =
+        parser.isSet("json") ? openJson(parser.value("json")) : nullptr;
 
     QElapsedTimer timer;
     timer.start();
@@ -133,10 +158,7 @@ int main(int argc, char* argv[])
 
     int status = 0;
     if (json) {
-        const bool written = ScanJsonWriter(path, result).write(*json);
-        if (!written)
-            json->cancelWriting(); // commit() then takes the temporary file away
-        if (!json->commit() || !written) {
+        if (!finishJson(*json, ScanJsonWriter(path, result).write(*json))) {
             std::fprintf(stderr, "tallyroot-scan: cannot write %s\n", qPrintable(json->fileName()));
             status = 1;
         }

@@ -9,6 +9,8 @@
 #include <QJsonObject>
 #include <QLocale>
 
+#include <algorithm>
+#include <charconv>
 #include <vector>
 
 namespace {
@@ -78,6 +80,21 @@ char shortEscape(char16_t code)
     }
 }
 
+void appendNumber(QByteArray& out, std::uint64_t number)
+{
+    char digits[24];
+    const auto end = std::to_chars(digits, digits + sizeof digits, number).ptr;
+    out.append(digits, end - digits);
+}
+
+// Most names need no escape and no conversion: their units go out as they are.
+bool plainAscii(platform::NativeStringView name)
+{
+    return std::all_of(name.begin(), name.end(), [](auto unit) {
+        return unit >= 0x20 && unit < 0x7f && unit != '"' && unit != '\\';
+    });
+}
+
 // A full disk shows as a short write, not as an error.
 bool writeAll(QIODevice& device, const QByteArray& bytes)
 {
@@ -92,10 +109,16 @@ bool writeAll(QIODevice& device, const QByteArray& bytes)
 // straight into room made for the longest outcome, six bytes a unit.
 void ScanJsonWriter::appendString(QByteArray& out, QStringView text)
 {
+    out += '"';
+    appendEscaped(out, text);
+    out += '"';
+}
+
+void ScanJsonWriter::appendEscaped(QByteArray& out, QStringView text)
+{
     const qsizetype start = out.size();
-    out.resize(start + 2 + 6 * text.size());
+    out.resize(start + 6 * text.size());
     char* cursor = out.data() + start;
-    *cursor++ = '"';
     const char16_t* unit = text.utf16();
     const char16_t* const end = unit + text.size();
     for (; unit != end; ++unit) {
@@ -117,8 +140,17 @@ void ScanJsonWriter::appendString(QByteArray& out, QStringView text)
             cursor = writeUtf8(cursor, code);
         }
     }
-    *cursor++ = '"';
     out.truncate(cursor - out.constData());
+}
+
+void ScanJsonWriter::appendEscapedName(QByteArray& out, platform::NativeStringView name)
+{
+    if (!plainAscii(name))
+        return appendEscaped(out, platform::toQString(platform::NativeString(name)));
+    const qsizetype start = out.size();
+    out.resize(start + qsizetype(name.size()));
+    std::transform(name.begin(), name.end(), out.data() + start,
+                   [](auto unit) { return char(unit); });
 }
 
 ScanJsonWriter::ScanJsonWriter(const QString& scanPath, const ScanResult& result)
@@ -141,14 +173,18 @@ bool ScanJsonWriter::write(QIODevice& device) const
 
 // One folder's object, its keys in alphabetical order.
 void ScanJsonWriter::appendFolder(QByteArray& out, ScanTree::Index folder, int depth,
-                                  QStringView path) const
+                                  const QByteArray& escapedPath) const
 {
     const ScanTree& tree = *result.tree;
     const ScanTree::Node& node = tree.node(folder);
-    out += "{\"depth\":" + QByteArray::number(depth);
-    out += ",\"files\":" + QByteArray::number(int(node.files));
-    out += ",\"folders\":" + QByteArray::number(int(node.folders));
-    out += ",\"index\":" + QByteArray::number(int(node.finished));
+    out += "{\"depth\":";
+    appendNumber(out, std::uint64_t(depth));
+    out += ",\"files\":";
+    appendNumber(out, node.files);
+    out += ",\"folders\":";
+    appendNumber(out, node.folders);
+    out += ",\"index\":";
+    appendNumber(out, node.finished);
     const std::vector<ScanTree::Index> largest =
         tree.largestChildren(folder, ScanTree::summaryLimit);
     // The same children as maxData names, as data: a name may hold ':' and ';'.
@@ -157,27 +193,46 @@ void ScanJsonWriter::appendFolder(QByteArray& out, ScanTree::Index folder, int d
         const ScanTree::Node& child = tree.node(largest[rank]);
         out += rank == 0 ? "{\"kind\":" : ",{\"kind\":";
         out += child.isFolder() ? "\"folder\"" : "\"file\"";
-        out += ",\"name\":";
-        appendString(out, tree.nameText(largest[rank]));
-        out += ",\"size\":" + QByteArray::number(quint64(child.size)) + '}';
+        out += ",\"name\":\"";
+        appendEscapedName(out, tree.name(largest[rank]));
+        out += "\",\"size\":";
+        appendNumber(out, child.size);
+        out += '}';
     }
-    out += "],\"maxData\":";
-    appendString(out, tree.childSummary(folder, largest));
-    out += ",\"name\":";
-    appendString(out, tree.nameText(folder));
-    out += ",\"onDisk\":" + QByteArray::number(quint64(node.onDisk));
-    out += ",\"path\":";
-    appendString(out, path);
+    out += "],\"maxData\":\"";
+    appendSummary(out, folder, largest);
+    out += "\",\"name\":\"";
+    appendEscapedName(out, tree.name(folder));
+    out += "\",\"onDisk\":";
+    appendNumber(out, node.onDisk);
+    out += ",\"path\":\"" + escapedPath + '"';
     out += ",\"percentage\":" +
            QByteArray::number(tree.percentage(folder), 'g', QLocale::FloatingPointShortest);
-    out += ",\"size\":" + QByteArray::number(quint64(node.size));
+    out += ",\"size\":";
+    appendNumber(out, node.size);
     out += ",\"sizeText\":";
     appendString(out, DiskUsageGlobal::sizeText(double(node.size)));
     out += '}';
 }
 
-// Pre-order, children in listing order. The path grows and shrinks with the
-// walk, so a deep tree costs no more than its output.
+// The folder's child summary (ScanTree::childSummary), escaped as it is made:
+// each name on its own, which escapes the same as the whole, as the ':' after
+// a name ends whatever the name's last units were.
+void ScanJsonWriter::appendSummary(QByteArray& out, ScanTree::Index folder,
+                                   const std::vector<ScanTree::Index>& largest) const
+{
+    const ScanTree& tree = *result.tree;
+    for (ScanTree::Index child : largest) {
+        appendEscapedName(out, tree.name(child));
+        out += ':';
+        appendNumber(out, tree.node(child).size);
+        out += tree.node(child).isFolder() ? ":1;" : ":0;";
+    }
+    appendNumber(out, tree.shownSubfolders(folder).size());
+}
+
+// Pre-order, children in listing order. The path is kept escaped and grows
+// and shrinks with the walk, so a deep tree costs no more than its output.
 bool ScanJsonWriter::writeFolders(QIODevice& device) const
 {
     constexpr qsizetype flushAt = 1 << 20;
@@ -192,15 +247,18 @@ bool ScanJsonWriter::writeFolders(QIODevice& device) const
         };
         std::vector<Pending> pending{{0, 0}};
         std::vector<qsizetype> pathEnds; // the path's length at each depth
-        QString path = tree.rootPath();
+        QByteArray path;
         while (!pending.empty()) {
             const Pending next = pending.back();
             pending.pop_back();
             if (next.depth == 0) {
-                appendFolder(out, 0, 0, tree.shownPath(0));
+                appendEscaped(path, tree.shownPath(0));
+                appendFolder(out, 0, 0, path);
+                path.clear();
+                appendEscaped(path, tree.rootPath());
             } else {
                 path.truncate(pathEnds[std::size_t(next.depth - 1)]);
-                tree.appendChildPath(path, next.folder, next.depth == 1);
+                appendChildPath(path, next.folder, next.depth == 1);
                 out += ',';
                 appendFolder(out, next.folder, next.depth, path);
             }
@@ -218,6 +276,22 @@ bool ScanJsonWriter::writeFolders(QIODevice& device) const
     }
     out += ']';
     return writeAll(device, out);
+}
+
+// As ScanTree::appendChildPath, escaped: the scanned folder's path decides
+// whether a separator comes between, below it one always does.
+void ScanJsonWriter::appendChildPath(QByteArray& escapedPath, ScanTree::Index child,
+                                     bool belowRoot) const
+{
+    const ScanTree& tree = *result.tree;
+    if (belowRoot) {
+        escapedPath.clear();
+        appendEscaped(escapedPath, platform::childPath(tree.rootPath(), tree.nameText(child)));
+        return;
+    }
+    const QChar separator = QDir::separator();
+    appendEscaped(escapedPath, QStringView(&separator, 1));
+    appendEscapedName(escapedPath, tree.name(child));
 }
 
 QByteArray ScanJsonWriter::biggestFiles() const

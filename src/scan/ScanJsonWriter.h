@@ -19,12 +19,19 @@ public:
 
     // A JSON string, quoted and escaped as QJsonDocument writes it.
     static void appendString(QByteArray& out, QStringView text);
+    // The same without the quotes.
+    static void appendEscaped(QByteArray& out, QStringView text);
+    static void appendEscapedName(QByteArray& out, platform::NativeStringView name);
 
 private:
     [[nodiscard]] QByteArray biggestFiles() const;
     [[nodiscard]] QByteArray categories() const;
     bool writeFolders(QIODevice& device) const;
-    void appendFolder(QByteArray& out, ScanTree::Index folder, int depth, QStringView path) const;
+    void appendFolder(QByteArray& out, ScanTree::Index folder, int depth,
+                      const QByteArray& escapedPath) const;
+    void appendChildPath(QByteArray& escapedPath, ScanTree::Index child, bool belowRoot) const;
+    void appendSummary(QByteArray& out, ScanTree::Index folder,
+                       const std::vector<ScanTree::Index>& largest) const;
 
     QString scanPath;
     const ScanResult& result;

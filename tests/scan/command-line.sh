@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # tallyroot-scan at the edges of its command line: a folder whose name is not
-# UTF-8, output that cannot be written, a JSON file that cannot be written in
-# full, and files whose sizes add up past 2^64.
+# UTF-8, output that cannot be written, JSON into a pipe, a JSON file that
+# cannot be written in full, and files whose sizes add up past 2^64.
 #   command-line.sh TALLYROOT-SCAN
 set -euo pipefail
 scan=$1
@@ -33,6 +33,17 @@ mkdir -p "$work/tree" && (cd "$work/tree" && mkdir $(seq -f 'folder-%g' 2000))
 printf 'before' > "$work/kept.json"
 "$scan" --defaults --json "$work/kept.json" "$work/tree" >/dev/null
 check "a JSON file replaced whole" grep -q '"totalSubFolders":2001' "$work/kept.json"
+
+# A pipe is written into, not replaced by a file (as root, the same would
+# put a file where /dev/null was).
+mkfifo "$work/pipe"
+timeout 20 cat "$work/pipe" > "$work/piped.json" &
+reader=$!
+"$scan" --defaults --json "$work/pipe" "$work/tree" >/dev/null 2>&1 || true
+[ -p "$work/pipe" ] || echo '{}' > "$work/pipe" # a file in its place: let the reader go
+wait "$reader" || true
+check "a pipe stays a pipe" [ -p "$work/pipe" ]
+check "and carries the JSON" grep -q '"totalSubFolders":2001' "$work/piped.json"
 
 mkdir -p "$work/small" "$work/huge"
 if [ -n "${TALLYROOT_IN_NAMESPACE:-}" ] && mount -t tmpfs -o size=64k tmpfs "$work/small"; then
