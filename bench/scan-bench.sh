@@ -4,13 +4,16 @@
 #   bench/scan-bench.sh [TREE]     (default /tmp/tallyroot-bench-tree)
 #   BASELINE=REV bench/scan-bench.sh   also times tallyroot-scan as built at
 #                                      git revision REV, for what a change costs
+#   READERS="1 4 8 16 32"              the reader counts of the curve
 #
 # Makes the tree on first use (1,000,000 sparse files in 100,000 folders, depth
-# up to 12), then times three runs of each program and reports the median wall
-# time with the range of the runs, the ratio to du and the peak memory: warm, and cold when the page
-# cache can be dropped (as root). tallyroot-scan runs with one thread (the
-# walk reads every folder itself) and with its default readers, and once more
-# with --json. The JSON of 1, 2 and 8 readers must be the same byte for byte.
+# up to 12), then times three runs of each command and reports the median wall
+# time with the range of the runs, the ratio to du's median and the peak
+# memory: warm, and cold when the page cache can be dropped (as root). The
+# curve is tallyroot-scan with each reader count of READERS and with its
+# default readers, warm and cold, beside du and the plain reader (threads that
+# list and add up, keeping nothing); warm also with --json. The JSON
+# of 1, 2, 8 and 32 readers must be the same byte for byte.
 #
 # du -sb -l counts apparent sizes and every hard link, as the engine does; it
 # also counts each folder's own size, which the engine leaves out, so those
@@ -20,10 +23,14 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 tree=${1:-/tmp/tallyroot-bench-tree}
 source bench/common.sh
-prepare "$tree" tallyroot-scan
+prepare "$tree" tallyroot-scan tallyroot-plainreader
 scan=build/src/tallyroot-scan
 json=$(mktemp -d /tmp/tallyroot-bench-json.XXXXXX)
 trap 'rm -rf "$json"' EXIT
+curve=(${READERS:-1 4 8 16 32})
+# The reader count the engine chooses for the disk that holds the tree.
+default=$(QT_LOGGING_RULES="tallyroot.scan.debug=true" "$scan" --defaults "$tree" 2>&1 >/dev/null |
+    sed -nE 's/.*readers: ([0-9]+).*/\1/p')
 
 # The engine as it was at another revision, built from its own sources.
 baseline=
@@ -39,34 +46,47 @@ if [ -n "${BASELINE:-}" ]; then
     baseline=$base/build/src/tallyroot-scan
 fi
 
-read -r du_seconds du_kib du_min du_max < <(measure du -sbl -x "$tree")
-read -r one_seconds one_kib one_min one_max < <(measure "$scan" --defaults --threads 1 "$tree")
-read -r scan_seconds scan_kib scan_min scan_max < <(measure "$scan" --defaults "$tree")
-read -r json_seconds json_kib json_min json_max < <(measure "$scan" --defaults --json "$json/default.json" "$tree")
-[ -z "$baseline" ] || read -r base_seconds base_kib base_min base_max < <(measure "$baseline" --defaults "$tree")
+# timed MEASURE LABEL COMMAND...: one line of the report, against du's median
+# of the same kind ($du_median).
+timed() {
+    local how=$1 label=$2; shift 2
+    local seconds kib least most
+    read -r seconds kib least most < <("$how" "$@")
+    report "  $label" "$seconds" "$kib" "$least" "$most" "$du_median"
+}
+
+# curve MEASURE: du, then tallyroot-scan with each reader count and the
+# default, then the plain reader (what the disk gives, keeping nothing).
+curve() {
+    local how=$1 least most kib readers label
+    read -r du_median kib least most < <("$how" du -sbl -x "$tree")
+    report "  du -sb -l" "$du_median" "$kib" "$least" "$most" "$du_median"
+    for readers in "${curve[@]}"; do
+        label="tallyroot-scan --threads $readers"
+        [ "$readers" != "$default" ] || label="$label (default)"
+        timed "$how" "$label" "$scan" --defaults --threads "$readers" "$tree"
+    done
+    [[ " ${curve[*]} " == *" $default "* ]] ||
+        timed "$how" "tallyroot-scan (default: $default)" "$scan" --defaults "$tree"
+    for readers in 8 32; do
+        timed "$how" "plain reader, $readers threads" build/bench/tallyroot-plainreader \
+            "$readers" "$tree"
+    done
+}
 
 summary=$("$scan" --defaults "$tree" 2>/dev/null)
 echo "tree:    $tree"
 echo "engine:  $summary"
-echo "readers: $("$scan" --help | sed -nE 's/.*Default: ([0-9]+).*/\1/p') by default"
+echo "readers: $default chosen for the disk"
 echo "warm, median of $runs:"
-report "  du -sb -l" "$du_seconds" "$du_kib" "$du_min" "$du_max" "$du_seconds"
-report "  tallyroot-scan --threads 1" "$one_seconds" "$one_kib" "$one_min" "$one_max" "$du_seconds"
-report "  tallyroot-scan" "$scan_seconds" "$scan_kib" "$scan_min" "$scan_max" "$du_seconds"
-report "  tallyroot-scan --json" "$json_seconds" "$json_kib" "$json_min" "$json_max" "$du_seconds"
+curve measure
+timed measure "tallyroot-scan --json" "$scan" --defaults --json "$json/default.json" "$tree"
 if [ -n "$baseline" ]; then
-    report "  tallyroot-scan at $BASELINE" "$base_seconds" "$base_kib" "$base_min" "$base_max" "$du_seconds"
-    echo "  this build against $BASELINE: time $(ratio "$scan_seconds" "$base_seconds") x," \
-         "peak memory $(ratio "$scan_kib" "$base_kib") x"
+    timed measure "tallyroot-scan at $BASELINE" "$baseline" --defaults "$tree"
 fi
 if can_drop_caches; then
-    read -r du_cold du_cold_kib du_cold_min du_cold_max < <(measure_cold du -sbl -x "$tree")
-    read -r one_cold one_cold_kib one_cold_min one_cold_max < <(measure_cold "$scan" --defaults --threads 1 "$tree")
-    read -r scan_cold scan_cold_kib scan_cold_min scan_cold_max < <(measure_cold "$scan" --defaults "$tree")
     echo "cold (page cache dropped before each run), median of $runs:"
-    report "  du -sb -l" "$du_cold" "$du_cold_kib" "$du_cold_min" "$du_cold_max" "$du_cold"
-    report "  tallyroot-scan --threads 1" "$one_cold" "$one_cold_kib" "$one_cold_min" "$one_cold_max" "$du_cold"
-    report "  tallyroot-scan" "$scan_cold" "$scan_cold_kib" "$scan_cold_min" "$scan_cold_max" "$du_cold"
+    curve measure_cold
 else
     echo "cold: skipped (dropping the page cache needs root)"
 fi
@@ -87,12 +107,14 @@ if [ "$scan_files" -eq "$find_files" ]; then
 else
     echo "files:   DIFFER: engine $scan_files, find $find_files"; status=1
 fi
-for readers in 1 2 8; do
+same=1
+for readers in 1 2 8 32; do
     "$scan" --defaults --threads $readers --json "$json/$readers.json" "$tree" >/dev/null
+    cmp -s "$json/1.json" "$json/$readers.json" || same=0
 done
-if cmp -s "$json/1.json" "$json/2.json" && cmp -s "$json/1.json" "$json/8.json"; then
-    echo "json:    the same for 1, 2 and 8 readers ($(stat -c %s "$json/1.json") bytes)"
+if [ "$same" -eq 1 ]; then
+    echo "json:    the same for 1, 2, 8 and 32 readers ($(stat -c %s "$json/1.json") bytes)"
 else
-    echo "json:    DIFFERS between 1, 2 and 8 readers"; status=1
+    echo "json:    DIFFERS between 1, 2, 8 and 32 readers"; status=1
 fi
 exit $status

@@ -86,14 +86,22 @@ int main(int argc, char* argv[])
     QCoreApplication::setApplicationVersion(TALLYROOT_VERSION);
 
     QCommandLineParser parser;
+    // A Windows listing does not tell a hard-linked file from others.
+#ifdef _WIN32
+    const char* onDisk = "(space allocated, every name of a hard-linked file counting)";
+#else
+    const char* onDisk = "(blocks allocated, each hard-linked file once)";
+#endif
     parser.setApplicationDescription(
-        "Scans one folder with Tallyroot's scan engine and prints a summary line: folders\n"
-        "(the scanned one included), files, bytes (every hard link), bytes on disk\n"
-        "(blocks allocated, each hard-linked file once), entries and seconds, and how\n"
-        "many folders could not be read. For the root of a volume a second line\n"
-        "compares the scan with the space the volume says is used.\n"
-        "Exit status: 0 when the scan ran, 1 when the folder or the JSON file is\n"
-        "unusable, 2 on wrong usage.");
+        QStringLiteral(
+            "Scans one folder with Tallyroot's scan engine and prints a summary line: folders\n"
+            "(the scanned one included), files, bytes (every hard link), bytes on disk\n"
+            "%1, entries and seconds, and how\n"
+            "many folders could not be read. For the root of a volume a second line\n"
+            "compares the scan with the space the volume says is used.\n"
+            "Exit status: 0 when the scan ran, 1 when the folder or the JSON file is\n"
+            "unusable, 2 on wrong usage.")
+            .arg(QLatin1String(onDisk)));
     // Answered here rather than by the parser, which on Windows shows them in
     // a message box when no console window is open (output to a pipe).
     const QCommandLineOption help({"h", "help"}, "Displays this help.");
@@ -106,8 +114,10 @@ int main(int argc, char* argv[])
         {"json", "Write the whole result to FILE as JSON.", "FILE"},
         {"threads",
          QString("Threads that read folders ahead of the walk; 1 reads on the walk's own "
-                 "thread. Default: %1.")
-             .arg(ScanRequest::defaultReaders()),
+                 "thread. Default: chosen for the disk, %1 where seeks are slow (a spinning "
+                 "disk), %2 elsewhere.")
+             .arg(ScanRequest::spinningDiskReaders)
+             .arg(ScanRequest::solidDiskReaders()),
          "N"},
     });
     parser.addPositionalArgument("folder", "The folder to scan.");

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "DirectoryListing.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -59,5 +61,9 @@ struct VolumeRecord {
 // The volume whose root the path is (a drive's root, a mount point), of any
 // kind; none for a folder inside a volume.
 [[nodiscard]] std::optional<VolumeRecord> volumeRootedAt(const std::wstring& path);
+// Whether the disk that holds a folder pays for seeks (a spinning disk); none
+// when the system cannot tell, as for a virtual disk or a file system of no
+// disk of its own.
+[[nodiscard]] std::optional<bool> seeksAreSlow(const NativeString& folder);
 
 } // namespace platform

@@ -62,8 +62,11 @@ void DiskUsageWorkerThread::run()
     auto built = std::make_shared<ScanTree>(request.folder, platform::toNative(name));
     tree = built.get();
     result.tree = std::move(built);
+    const int readers =
+        request.readers > 0 ? request.readers : ScanRequest::readersFor(request.folder);
+    qCDebug(lcWorker) << "readers:" << readers;
     {
-        FolderReadAhead readAhead(request.folder, request.readers, exclusion(), &entriesListed);
+        FolderReadAhead readAhead(request.folder, readers, exclusion(), &entriesListed);
         walk(readAhead);
     }
     // Read ahead but never met (after a cancel) is not scanned.

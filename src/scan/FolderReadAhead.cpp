@@ -2,13 +2,19 @@
 
 #include "platform/NativeText.h"
 
+#include <QLoggingCategory>
+
 #include <algorithm>
+#include <chrono>
+
+Q_LOGGING_CATEGORY(lcReadAhead, "tallyroot.readahead", QtInfoMsg)
 
 namespace {
 
 // Enough to keep the readers busy well ahead of the walk, small beside the
 // result of a large scan.
 constexpr std::size_t maxBytesHeld = 32u << 20;
+constexpr std::size_t lowBytesHeld = maxBytesHeld / 4 * 3;
 
 std::size_t foldersToHold()
 {
@@ -23,6 +29,7 @@ FolderReadAhead::FolderReadAhead(const QString& root, int readerCount, Exclusion
     , listed(listed)
     , readingAhead(readerCount > 1)
     , maxFoldersHeld(foldersToHold())
+    , lowFoldersHeld(maxFoldersHeld / 4 * 3)
     , maxListingsOpen(platform::DirectoryListing::openLimit() / 2)
     , listingsOpen(std::make_shared<std::atomic<std::size_t>>(0))
     , rootFolder(std::make_shared<Folder>())
@@ -41,22 +48,33 @@ FolderReadAhead::~FolderReadAhead()
     readerWake.notify_all();
     for (std::thread& reader : readers)
         reader.join();
+    free(std::move(pending));
     free({std::move(rootFolder)});
+    qCDebug(lcReadAhead) << "readers:" << readers.size()
+                         << "read by readers:" << counters.readByReaders.load()
+                         << "read by the walk:" << counters.readByWalk.load()
+                         << "walk waits:" << counters.walkWaits.load()
+                         << "waited ms:" << counters.walkWaitNanoseconds.load() / 1000000
+                         << "reader waits for room:" << counters.readerWaitsForRoom.load()
+                         << "reader waits for work:" << counters.readerWaitsForWork.load();
 }
 
 void FolderReadAhead::take(Folder& folder)
 {
-    int expected = Folder::Waiting;
-    if (folder.state.compare_exchange_strong(expected, Folder::Reading)) {
+    int state = Folder::Waiting;
+    if (folder.state.compare_exchange_strong(state, Folder::Reading)) {
+        ++counters.readByWalk;
         read(folder);
         return;
     }
-    if (folder.state.load(std::memory_order_acquire) == Folder::Read)
+    if (state == Folder::Read)
         return;
-    std::unique_lock lock(mutex);
-    walkWaiting = true;
-    walkWake.wait(lock, [&folder] { return folder.state.load() == Folder::Read; });
-    walkWaiting = false;
+    const auto start = std::chrono::steady_clock::now();
+    while ((state = folder.state.load(std::memory_order_acquire)) != Folder::Read)
+        folder.state.wait(state, std::memory_order_acquire);
+    ++counters.walkWaits;
+    counters.walkWaitNanoseconds +=
+        std::uint64_t(std::chrono::nanoseconds(std::chrono::steady_clock::now() - start).count());
 }
 
 void FolderReadAhead::release(Folder& folder)
@@ -69,11 +87,21 @@ void FolderReadAhead::release(Folder& folder)
     names.swap(folder.names);
     subfolders.swap(folder.subfolders);
     free(std::move(subfolders));
-    std::lock_guard lock(mutex);
-    --foldersHeld;
-    bytesHeld -= folder.bytes;
-    if (idleReaders > 0)
-        readerWake.notify_one();
+    const std::size_t heldBefore = foldersHeld.fetch_sub(1);
+    const std::size_t bytesBefore = bytesHeld.fetch_sub(folder.bytes);
+    // Readers that found no room wake together once the walk has taken a
+    // quarter of what was held, rather than one at each folder.
+    const bool roomAgain =
+        (heldBefore > lowFoldersHeld && heldBefore - 1 <= lowFoldersHeld) ||
+        (bytesBefore > lowBytesHeld && bytesBefore - folder.bytes <= lowBytesHeld);
+    // A reader goes to sleep under the lock: taking it once makes sure the
+    // wake does not come before the sleep.
+    if (roomAgain && idleReaders.load() > 0) {
+        {
+            std::lock_guard lock(mutex);
+        }
+        readerWake.notify_all();
+    }
 }
 
 // Folders read ahead but never entered (after a cancel) hold the folders read
@@ -94,27 +122,87 @@ void FolderReadAhead::free(std::vector<FolderPtr> folders)
 
 bool FolderReadAhead::roomToRead() const
 {
-    return foldersHeld < maxFoldersHeld && bytesHeld < maxBytesHeld;
+    return foldersHeld.load() < maxFoldersHeld && bytesHeld.load() < maxBytesHeld;
 }
 
 void FolderReadAhead::readerLoop()
 {
-    std::unique_lock lock(mutex);
-    for (;;) {
-        ++idleReaders;
-        readerWake.wait(lock, [this] { return stopping || (!pending.empty() && roomToRead()); });
-        --idleReaders;
-        if (stopping)
-            return;
-        FolderPtr next = std::move(pending.back());
-        pending.pop_back();
-        lock.unlock();
+    while (FolderPtr next = nextToRead()) {
         int expected = Folder::Waiting;
-        if (next->state.compare_exchange_strong(expected, Folder::Reading))
+        if (next->state.compare_exchange_strong(expected, Folder::Reading)) {
+            ++counters.readByReaders;
             read(*next);
-        next.reset();
-        lock.lock();
+        }
     }
+}
+
+// A reader counts itself idle before it looks for room, so that a release
+// which makes room after the look sees it and wakes it.
+FolderReadAhead::FolderPtr FolderReadAhead::nextToRead()
+{
+    std::unique_lock lock(mutex);
+    ++idleReaders;
+    for (;;) {
+        // Those the walk read itself are dropped as they come to the top.
+        while (!pending.empty() && pending.front()->state.load() != Folder::Waiting) {
+            std::pop_heap(pending.begin(), pending.end(), &FolderReadAhead::metLater);
+            pending.pop_back();
+        }
+        if (stopping)
+            break;
+        if (!pending.empty() && roomToRead()) {
+            std::pop_heap(pending.begin(), pending.end(), &FolderReadAhead::metLater);
+            FolderPtr next = std::move(pending.back());
+            pending.pop_back();
+            --idleReaders;
+            return next;
+        }
+        ++(pending.empty() ? counters.readerWaitsForWork : counters.readerWaitsForRoom);
+        readerWake.wait(lock);
+    }
+    --idleReaders;
+    return nullptr;
+}
+
+// Its subfolders (but those left out) wait to be read; as many readers wake.
+void FolderReadAhead::makeKnown(const Folder& folder)
+{
+    int known = 0;
+    {
+        std::lock_guard lock(mutex);
+        for (const FolderPtr& child : folder.subfolders) {
+            if (child->excluded)
+                continue;
+            pending.push_back(child);
+            std::push_heap(pending.begin(), pending.end(), &FolderReadAhead::metLater);
+            ++known;
+        }
+    }
+    if (!roomToRead())
+        return;
+    for (int wake = std::min(known, idleReaders.load()); wake > 0; --wake)
+        readerWake.notify_one();
+}
+
+// Whether the walk meets `one` after `other`: the ordinals of their folders
+// just below the nearest folder above both tell. Only pending folders are
+// compared, and their places never change.
+bool FolderReadAhead::metLater(const FolderPtr& one, const FolderPtr& other)
+{
+    const Ancestry* aboveOne = one->parentAncestry.get();
+    const Ancestry* aboveOther = other->parentAncestry.get();
+    std::uint32_t atOne = one->ordinal;
+    std::uint32_t atOther = other->ordinal;
+    for (; aboveOne->depth > aboveOther->depth; aboveOne = aboveOne->parent.get())
+        atOne = aboveOne->ordinal;
+    for (; aboveOther->depth > aboveOne->depth; aboveOther = aboveOther->parent.get())
+        atOther = aboveOther->ordinal;
+    for (; aboveOne != aboveOther;
+         aboveOne = aboveOne->parent.get(), aboveOther = aboveOther->parent.get()) {
+        atOne = aboveOne->ordinal;
+        atOther = aboveOther->ordinal;
+    }
+    return atOne > atOther;
 }
 
 std::shared_ptr<FolderReadAhead::Ancestry> FolderReadAhead::Ancestry::make()
@@ -214,6 +302,7 @@ void FolderReadAhead::addSubfolder(Folder& folder, const platform::NativeString&
 {
     auto child = std::make_shared<Folder>();
     child->name = name;
+    child->ordinal = std::uint32_t(folder.subfolders.size());
     child->isLink = isLink;
     if (!folder.path.isEmpty() && folder.path.size() < excluded.reach) {
         child->path = platform::childPath(folder.path, platform::toQString(name));
@@ -238,8 +327,10 @@ void FolderReadAhead::read(Folder& folder)
     ancestry->name = folder.name;
     ancestry->listing = listing;
     ancestry->depth = depth;
+    ancestry->ordinal = folder.ordinal;
     ancestry->mount = listing->mount();
-    ancestry->parent = std::move(folder.parentAncestry);
+    // Copied, not moved: the readers may still be comparing this folder.
+    ancestry->parent = folder.parentAncestry;
     const Ancestry* parent = ancestry->parent.get();
     const bool crosses =
         !parent || folder.isLink || !ancestry->mount || ancestry->mount != parent->mount;
@@ -282,19 +373,10 @@ void FolderReadAhead::read(Folder& folder)
     folder.failed = listing->failed();
     folder.bytes += folder.entries.capacity() * sizeof(Entry) + folder.names.capacity();
 
-    std::lock_guard lock(mutex);
-    ++foldersHeld;
-    bytesHeld += folder.bytes;
-    if (readingAhead) {
-        // The first subfolder on top: the walk needs it first.
-        for (auto child = folder.subfolders.rbegin(); child != folder.subfolders.rend(); ++child) {
-            if (!(*child)->excluded)
-                pending.push_back(*child);
-        }
-        if (idleReaders > 0)
-            readerWake.notify_all();
-    }
+    foldersHeld.fetch_add(1);
+    bytesHeld.fetch_add(folder.bytes);
+    if (readingAhead)
+        makeKnown(folder);
     folder.state.store(Folder::Read, std::memory_order_release);
-    if (walkWaiting)
-        walkWake.notify_one();
+    folder.state.notify_all();
 }

@@ -15,10 +15,12 @@
 
 // Lists the folders of a tree ahead of a walk that takes them one at a time,
 // depth first, in listing order. Reader threads list what the walk will need
-// next; the walk takes each folder as it was read, whichever thread read it,
-// so the walk's results do not depend on the number of readers. A folder the
-// walk needs before any reader has started it is read on the walk's thread.
-// What is read but not yet taken is bounded in folders and in bytes.
+// next: each takes, of the folders known and not yet read, the one the walk
+// meets first. The walk takes each folder as it was read, whichever thread
+// read it, so the walk's results do not depend on the number of readers. A
+// folder the walk needs before any reader has started it is read on the
+// walk's thread. What is read but not yet taken is bounded in folders and in
+// bytes.
 class FolderReadAhead {
 public:
     struct Entry {
@@ -38,6 +40,7 @@ public:
         platform::NativeString name; // none for the scanned folder
         std::weak_ptr<platform::DirectoryListing> listing;
         std::size_t depth = 0;
+        std::uint32_t ordinal = 0; // among its parent's subfolders
         // Where the way down last crossed into another mount (or a link):
         // this folder or the nearest above. Only a folder above it can be
         // the same as this one or one below it in the same mount.
@@ -86,7 +89,11 @@ public:
         // The parent's open listing, to open this one from; let go once open.
         // None when too many listings were open as the parent was read.
         std::shared_ptr<platform::DirectoryListing> parentListing;
+        // With the ordinal, where the walk meets the folder. Set before the
+        // folder is made known to the readers and never changed after, as
+        // readers compare folders by it.
         std::shared_ptr<const Ancestry> parentAncestry;
+        std::uint32_t ordinal = 0; // among its parent's subfolders
         std::size_t bytes = 0;
     };
     using FolderPtr = std::shared_ptr<Folder>;
@@ -118,6 +125,10 @@ public:
 
 private:
     void readerLoop();
+    // The next folder to read, once there is room to read it; null when stopping.
+    [[nodiscard]] FolderPtr nextToRead();
+    void makeKnown(const Folder& folder);
+    [[nodiscard]] static bool metLater(const FolderPtr& one, const FolderPtr& other);
     static void free(std::vector<FolderPtr> folders);
     void read(Folder& folder);
     [[nodiscard]] std::shared_ptr<platform::DirectoryListing> open(Folder& folder) const;
@@ -135,6 +146,7 @@ private:
     // A folder read ahead keeps its listing open until its subfolders are
     // open, so the read-ahead stays well inside the limit on open listings.
     const std::size_t maxFoldersHeld;
+    const std::size_t lowFoldersHeld;
     // Beyond this many open listings, a folder's subfolders are opened along
     // their path from a folder above, so that a deep tree with a sibling at
     // every level needs no more descriptors than a shallow one.
@@ -143,14 +155,27 @@ private:
     std::shared_ptr<std::atomic<std::size_t>> listingsOpen;
     FolderPtr rootFolder;
     std::atomic<bool> stopping{false};
+    // Read and not yet released by the walk.
+    std::atomic<std::size_t> foldersHeld{0};
+    std::atomic<std::size_t> bytesHeld{0};
+
+    // Only the folders waiting to be read, and the readers asleep, go under
+    // the lock; the walk waits on a folder's own state.
     std::mutex mutex;
     std::condition_variable readerWake;
-    std::condition_variable walkWake;
-    // Folders waiting to be read: the one the walk needs soonest on top.
+    // A heap: the folder the walk meets first on top. Folders the walk read
+    // itself stay in it until they come to the top.
     std::vector<FolderPtr> pending;
-    std::size_t foldersHeld = 0;
-    std::size_t bytesHeld = 0;
-    int idleReaders = 0;
-    bool walkWaiting = false;
+    std::atomic<int> idleReaders{0};
     std::vector<std::thread> readers;
+
+    // Where the time goes, for the debug line at the end.
+    struct Counters {
+        std::atomic<std::uint64_t> readByReaders{0};
+        std::atomic<std::uint64_t> readByWalk{0};
+        std::atomic<std::uint64_t> walkWaits{0};
+        std::atomic<std::uint64_t> walkWaitNanoseconds{0};
+        std::atomic<std::uint64_t> readerWaitsForRoom{0};
+        std::atomic<std::uint64_t> readerWaitsForWork{0};
+    } counters;
 };

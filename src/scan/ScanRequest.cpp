@@ -4,6 +4,9 @@
 #include "settings/FileTypeCatalogue.h"
 #include "settings/SettingsStore.h"
 
+#include "platform/NativeText.h"
+#include "platform/Volumes.h"
+
 #include <QThread>
 
 #include <algorithm>
@@ -22,9 +25,13 @@ ScanRequest ScanRequest::fromSettings(const QString& folder)
     return request;
 }
 
-// Readers wait on the disk more than they use a core when the cache is cold,
-// so there are more of them than cores.
-int ScanRequest::defaultReaders()
+int ScanRequest::solidDiskReaders()
 {
-    return std::clamp(2 * QThread::idealThreadCount(), 4, 16);
+    return std::clamp(4 * QThread::idealThreadCount(), 8, 32);
+}
+
+int ScanRequest::readersFor(const QString& folder)
+{
+    return platform::seeksAreSlow(platform::toNative(folder)).value_or(false) ? spinningDiskReaders
+                                                                              : solidDiskReaders();
 }

@@ -63,11 +63,12 @@ check "file counts" "$engine_files" "$find_files"
 
 # The same result, byte for byte, whether the walk reads alone or readers read ahead.
 out=$work/json && mkdir "$out" && chmod 777 "$out"
-for readers in 1 2 8; do
+for readers in 1 2 8 32; do
     run "$scan" --defaults --threads $readers --json "$out/$readers.json" "$t" >/dev/null 2>&1
 done
 check "JSON of 1 and 2 readers" "$(cmp -s "$out/1.json" "$out/2.json"; echo $?)" 0
 check "JSON of 1 and 8 readers" "$(cmp -s "$out/1.json" "$out/8.json"; echo $?)" 0
+check "JSON of 1 and 32 readers" "$(cmp -s "$out/1.json" "$out/32.json"; echo $?)" 0
 check "unreadable folders in the JSON" "$(grep -c '"unreadable":\[".*locked/inside"\]' "$out/1.json")" \
       "$([ "$(id -u)" -ne 0 ] || command -v setpriv >/dev/null && echo 1 || echo 0)"
 

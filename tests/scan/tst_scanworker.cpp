@@ -45,8 +45,7 @@ struct ScanRun {
     // count, onPath when the walk enters a folder below the root.
     explicit ScanRun(const QString& path,
                      const std::function<void(DiskUsageWorkerThread&, int)>& onItem = {},
-                     const std::function<void(const QString&)>& onPath = {},
-                     int readers = ScanRequest::defaultReaders())
+                     const std::function<void(const QString&)>& onPath = {}, int readers = 0)
     {
         ScanRequest request = ScanRequest::fromSettings(path);
         request.readers = readers;
@@ -534,7 +533,7 @@ void TestScanWorker::anyNumberOfReadersGivesTheSameResult()
         };
         const ScanRun plain(scanRoot(), cancelAt, {}, 1);
         QCOMPARE(plain.items, stopAt < 0 ? 6 + 6 * 5 + 6 * 5 * 4 + 2 : stopAt);
-        for (const int readers : {2, 8}) {
+        for (const int readers : {2, 8, 32}) {
             const ScanRun ahead(scanRoot(), cancelAt, {}, readers);
             QCOMPARE(ahead.json, plain.json);
         }

@@ -2,6 +2,7 @@
 
 #include "FileDescriptor.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <dirent.h>
@@ -66,6 +67,33 @@ struct DirCloser {
     void operator()(DIR* dir) const { closedir(dir); }
 };
 
+// Names are read a batch at a time and looked at in inode order, which on a
+// spinning disk reads the inode table in one sweep rather than in name order,
+// and costs nothing elsewhere; they are handed out in listing order.
+constexpr std::size_t batchSize = 4096;
+
+struct Listed {
+    NativeString name;
+    ino_t inode = 0;
+    int error = 0; // of looking at it; ENOENT when it vanished
+    bool isDirectory = false;
+    std::uint64_t size = 0;
+    std::uint64_t lastAccessTime = 0;
+    std::uint64_t allocated = 0;
+    std::uint64_t linkedFile = 0;
+
+    void take(const struct stat& info)
+    {
+        isDirectory = S_ISDIR(info.st_mode);
+        if (isDirectory)
+            return;
+        size = static_cast<std::uint64_t>(info.st_size);
+        lastAccessTime = fileTimeOf(info.st_atim);
+        allocated = allocatedBytes(info);
+        linkedFile = info.st_nlink > 1 ? static_cast<std::uint64_t>(info.st_ino) : 0;
+    }
+};
+
 } // namespace
 
 struct DirectoryListing::State {
@@ -74,6 +102,12 @@ struct DirectoryListing::State {
     dev_t device = 0;
     ino_t inode = 0;
     std::optional<std::uint64_t> mount;
+    std::vector<Listed> batch;
+    std::size_t nextInBatch = 0;
+    bool ended = false;
+
+    // False at the end of the listing; a failure to read sets `failure`.
+    bool readBatch(bool& failure);
 
     // Takes over an open folder descriptor; leaves one of another file system
     // closed, without failure, when a device is given.
@@ -196,49 +230,70 @@ bool DirectoryListing::failed() const
     return failure;
 }
 
+bool DirectoryListing::State::readBatch(bool& failure)
+{
+    batch.clear();
+    nextInBatch = 0;
+    while (!ended && batch.size() < batchSize) {
+        // readdir tells an error from the end only through errno.
+        errno = 0;
+        const dirent* found = readdir(dir.get());
+        if (!found) {
+            failure = failure || errno != 0;
+            ended = true;
+            break;
+        }
+        const char* name = found->d_name;
+        if (std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0)
+            continue;
+        batch.push_back(
+            {.name = name, .inode = found->d_ino, .isDirectory = found->d_type == DT_DIR});
+    }
+    std::vector<Listed*> byInode;
+    byInode.reserve(batch.size());
+    for (Listed& listed : batch) {
+        // A folder's own size and time count nowhere, and what it takes on
+        // disk comes with opening it: no need to look at it here.
+        if (!listed.isDirectory)
+            byInode.push_back(&listed);
+    }
+    std::sort(byInode.begin(), byInode.end(),
+              [](const Listed* one, const Listed* other) { return one->inode < other->inode; });
+    for (Listed* listed : byInode) {
+        struct stat info {};
+        if (fstatat(fd, listed->name.c_str(), &info, AT_SYMLINK_NOFOLLOW) == 0)
+            listed->take(info);
+        else
+            listed->error = errno;
+    }
+    if (ended && batch.empty())
+        batch.shrink_to_fit();
+    return !batch.empty();
+}
+
 bool DirectoryListing::next(DirectoryEntry& entry)
 {
     if (!state)
         return false;
     for (;;) {
-        // readdir tells an error from the end only through errno.
-        errno = 0;
-        const dirent* found = readdir(state->dir.get());
-        if (!found)
-            break;
-        const char* name = found->d_name;
-        if (std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0)
-            continue;
-        entry.name.assign(name);
-        entry.allocated = 0;
-        entry.linkedFile = 0;
-        // A folder's own size and time count nowhere, and what it takes on
-        // disk comes with opening it: no need to ask for them here.
-        if (found->d_type == DT_DIR) {
-            entry.isDirectory = true;
-            entry.size = 0;
-            entry.lastAccessTime = 0;
-            return true;
-        }
-        struct stat info {};
-        if (fstatat(state->fd, name, &info, AT_SYMLINK_NOFOLLOW) != 0) {
-            // An entry that vanished since the folder was read is not there
-            // any more; one that cannot be looked at (a folder that may be
-            // listed but not searched) leaves the folder not read in full.
-            failure = failure || errno != ENOENT;
+        if (state->nextInBatch == state->batch.size() && !state->readBatch(failure))
+            return false;
+        Listed& listed = state->batch[state->nextInBatch++];
+        // An entry that vanished since the folder was read is not there any
+        // more; one that cannot be looked at (a folder that may be listed but
+        // not searched) leaves the folder not read in full.
+        if (listed.error != 0) {
+            failure = failure || listed.error != ENOENT;
             continue;
         }
-        entry.isDirectory = S_ISDIR(info.st_mode);
-        entry.size = entry.isDirectory ? 0 : static_cast<std::uint64_t>(info.st_size);
-        entry.lastAccessTime = entry.isDirectory ? 0 : fileTimeOf(info.st_atim);
-        if (!entry.isDirectory) {
-            entry.allocated = allocatedBytes(info);
-            entry.linkedFile = info.st_nlink > 1 ? static_cast<std::uint64_t>(info.st_ino) : 0;
-        }
+        entry.name = std::move(listed.name);
+        entry.isDirectory = listed.isDirectory;
+        entry.size = listed.size;
+        entry.lastAccessTime = listed.lastAccessTime;
+        entry.allocated = listed.allocated;
+        entry.linkedFile = listed.linkedFile;
         return true;
     }
-    failure = failure || errno != 0;
-    return false;
 }
 
 } // namespace platform

@@ -1,5 +1,6 @@
 #include "../Volumes.h"
 
+#include "BlockDevices.h"
 #include "MountTable.h"
 
 #include <QDir>
@@ -8,7 +9,9 @@
 #include <QString>
 
 #include <map>
+#include <sys/stat.h>
 #include <sys/statvfs.h>
+#include <sys/sysmacros.h>
 
 namespace platform {
 
@@ -155,6 +158,15 @@ std::optional<VolumeRecord> volumeRootedAt(const std::wstring& path)
             return recordOf(*mount);
     }
     return std::nullopt;
+}
+
+std::optional<bool> seeksAreSlow(const NativeString& folder)
+{
+    struct stat info {};
+    if (stat(folder.c_str(), &info) != 0)
+        return std::nullopt;
+    return posix::seeksAreSlow(QStringLiteral("/sys/dev/block"), major(info.st_dev),
+                               minor(info.st_dev));
 }
 
 } // namespace platform

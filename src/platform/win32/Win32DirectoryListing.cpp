@@ -8,10 +8,12 @@
 
 namespace platform {
 
-// The folder is opened as a handle and read in batches of entries that carry
-// each file's allocation as well as its size.
+// The folder is opened as a handle and read in large batches of entries that
+// carry each file's allocation as well as its size. A listing read to its end
+// lets go of the handle and the batch: it may stay open a long while for its
+// subfolders, which open by path.
 struct DirectoryListing::State {
-    static constexpr DWORD bufferBytes = 64 * 1024;
+    static constexpr DWORD bufferBytes = 256 * 1024;
     std::wstring path;
     win32::FileHandle folder;
     // 8-byte aligned, as the records in it are.
@@ -21,11 +23,16 @@ struct DirectoryListing::State {
     // False at the end of the listing, or when reading failed.
     bool readBatch()
     {
-        if (!GetFileInformationByHandleEx(folder.get(), FileIdBothDirectoryInfo, buffer.get(),
-                                          bufferBytes))
-            return false;
-        record = reinterpret_cast<const FILE_ID_BOTH_DIR_INFO*>(buffer.get());
-        return true;
+        if (buffer && GetFileInformationByHandleEx(folder.get(), FileIdBothDirectoryInfo,
+                                                   buffer.get(), bufferBytes)) {
+            record = reinterpret_cast<const FILE_ID_BOTH_DIR_INFO*>(buffer.get());
+            return true;
+        }
+        const DWORD error = buffer ? GetLastError() : ERROR_NO_MORE_FILES;
+        buffer.reset();
+        folder = {};
+        SetLastError(error);
+        return false;
     }
     // The record after the current one, or none when the batch is done.
     void advance()
@@ -93,11 +100,10 @@ DirectoryListing DirectoryListing::open(const NativeString& path)
     state->path = path;
     state->folder = openFolder(path, FILE_LIST_DIRECTORY);
     DirectoryListing listing;
-    // The first batch tells a folder from a file, which opens all the same.
-    if (state->folder.isValid() && state->readBatch())
+    // The first batch tells a folder from a file, which opens all the same; a
+    // folder with nothing in it at all (a drive's empty root) has no batch.
+    if (state->folder.isValid() && (state->readBatch() || GetLastError() == ERROR_NO_MORE_FILES))
         listing.state = std::move(state);
-    else if (state->folder.isValid() && GetLastError() == ERROR_NO_MORE_FILES)
-        listing.state = std::move(state); // nothing in it at all (a drive's empty root)
     else
         listing.failure = true;
     return listing;

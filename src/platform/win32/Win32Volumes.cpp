@@ -1,6 +1,9 @@
 #include "../Volumes.h"
 
+#include "OwnedHandle.h"
+
 #include <windows.h>
+#include <winioctl.h>
 
 namespace platform {
 
@@ -71,6 +74,34 @@ std::optional<VolumeRecord> volumeRootedAt(const std::wstring& path)
         CompareStringOrdinal(volumePath, -1, root.c_str(), -1, TRUE) != CSTR_EQUAL)
         return std::nullopt;
     return readVolume(volumePath);
+}
+
+// The volume's device is asked, which needs no access rights to it.
+std::optional<bool> seeksAreSlow(const NativeString& folder)
+{
+    wchar_t volumePath[MAX_PATH + 1] = {};
+    wchar_t volumeName[MAX_PATH + 1] = {};
+    if (!GetVolumePathNameW(folder.c_str(), volumePath, MAX_PATH + 1) ||
+        !GetVolumeNameForVolumeMountPointW(volumePath, volumeName, MAX_PATH + 1))
+        return std::nullopt;
+    // "\\?\Volume{…}\" names the volume's root; without the backslash, its device.
+    std::wstring device = volumeName;
+    if (!device.empty() && device.back() == L'\\')
+        device.pop_back();
+    const win32::FileHandle volume(CreateFileW(
+        device.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr));
+    if (!volume.isValid())
+        return std::nullopt;
+    STORAGE_PROPERTY_QUERY query{};
+    query.PropertyId = StorageDeviceSeekPenaltyProperty;
+    query.QueryType = PropertyStandardQuery;
+    DEVICE_SEEK_PENALTY_DESCRIPTOR penalty{};
+    DWORD returned = 0;
+    if (!DeviceIoControl(volume.get(), IOCTL_STORAGE_QUERY_PROPERTY, &query, sizeof query, &penalty,
+                         sizeof penalty, &returned, nullptr) ||
+        returned < sizeof penalty)
+        return std::nullopt;
+    return penalty.IncursSeekPenalty != FALSE;
 }
 
 } // namespace platform

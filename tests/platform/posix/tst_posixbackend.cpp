@@ -7,6 +7,7 @@
 #include "UserFolders.h"
 #include "platform/NativeText.h"
 #include "platform/Shell.h"
+#include "posix/BlockDevices.h"
 #include "posix/MountTable.h"
 #include "settings/SettingsStore.h"
 
@@ -34,6 +35,7 @@ private slots:
     void oneDriveComesFromTheEnvironmentOrTheHomeFolder();
     void anotherFileSystemIsNotEntered();
     void localDisksFromTheMountTable();
+    void spinningDisksFromSysfs();
 
 private:
     static QString configHome() { return qEnvironmentVariable("XDG_CONFIG_HOME"); }
@@ -322,6 +324,58 @@ void TestPosixBackend::localDisksFromTheMountTable()
     QCOMPARE(disks[1].fileSystem, std::string("xfs"));
     QVERIFY(!disks[0].readOnly);
     QVERIFY(disks[3].readOnly);
+}
+
+// A sysfs of our own: devices under devices/, linked from dev/block by number.
+void TestPosixBackend::spinningDisksFromSysfs()
+{
+    QTemporaryDir sys;
+    const auto write = [&sys](const QString& path, const QByteArray& content) {
+        QVERIFY(QDir().mkpath(QFileInfo(sys.filePath(path)).path()));
+        QFile file(sys.filePath(path));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(content);
+    };
+    const auto link = [&sys](const QString& target, const QString& path) {
+        QVERIFY(QDir().mkpath(QFileInfo(sys.filePath(path)).path()));
+        QVERIFY(QFile::link(sys.filePath(target), sys.filePath(path)));
+    };
+    const auto disk = [&](const QString& name, const QByteArray& rotational,
+                          const QByteArray& vendor) {
+        write("devices/" + name + "/queue/rotational", rotational + "\n");
+        write("devices/" + name + "/device/vendor", vendor + "\n");
+    };
+    disk("sda", "1", "ATA     ");
+    write("devices/sda/sda1/partition", "1\n");
+    disk("sdb", "0", "ATA");
+    disk("sdc", "1", "QEMU    ");
+    disk("vda", "1", "0x1af4");
+    write("drivers/virtio_blk/bind", "");
+    link("drivers/virtio_blk", "devices/vda/device/driver");
+    disk("dm-0", "1", "");
+    link("devices/sda/sda1", "devices/dm-0/slaves/sda1");
+    disk("dm-1", "1", "");
+    link("devices/vda", "devices/dm-1/slaves/vda");
+    write("devices/odd/queue/rotational", "yes\n");
+    const QStringList numbers{"8:1", "8:0", "8:16", "8:32", "253:0", "254:0", "254:1", "9:9"};
+    const QStringList nodes{"sda/sda1", "sda", "sdb", "sdc", "vda", "dm-0", "dm-1", "odd"};
+    for (qsizetype i = 0; i < numbers.size(); ++i)
+        link("devices/" + nodes[i], "dev/block/" + numbers[i]);
+
+    const QString block = sys.filePath("dev/block");
+    // A partition is its disk's; a spinning disk spins, a solid one does not.
+    QCOMPARE(posix::seeksAreSlow(block, 8, 1), std::optional(true));
+    QCOMPARE(posix::seeksAreSlow(block, 8, 0), std::optional(true));
+    QCOMPARE(posix::seeksAreSlow(block, 8, 16), std::optional(false));
+    // A virtual disk, by its maker or its driver, tells nothing.
+    QCOMPARE(posix::seeksAreSlow(block, 8, 32), std::nullopt);
+    QCOMPARE(posix::seeksAreSlow(block, 253, 0), std::nullopt);
+    // A device made of others is what they are.
+    QCOMPARE(posix::seeksAreSlow(block, 254, 0), std::optional(true));
+    QCOMPARE(posix::seeksAreSlow(block, 254, 1), std::nullopt);
+    // What cannot be read, or is not there, tells nothing either.
+    QCOMPARE(posix::seeksAreSlow(block, 9, 9), std::nullopt);
+    QCOMPARE(posix::seeksAreSlow(block, 1, 1), std::nullopt);
 }
 
 QTEST_GUILESS_MAIN(TestPosixBackend)
