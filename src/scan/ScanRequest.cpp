@@ -27,7 +27,7 @@ ScanRequest ScanRequest::fromSettings(const QString& folder)
 
 int ScanRequest::solidDiskReaders()
 {
-    return std::clamp(4 * QThread::idealThreadCount(), 8, 32);
+    return std::clamp(8 * QThread::idealThreadCount(), 16, 32);
 }
 
 int ScanRequest::readersFor(const QString& folder)

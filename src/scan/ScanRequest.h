@@ -21,9 +21,9 @@ struct ScanRequest {
     // The folder with the settings as they stand in memory now.
     [[nodiscard]] static ScanRequest fromSettings(const QString& folder);
     // Few readers for a disk that pays for seeks; for one that does not (or
-    // does not tell), four per processor, from 8 to 32: a reader spends its
-    // time waiting on a cold disk, while a warm one makes every reader beyond
-    // the processors cost the walk a little.
+    // does not tell), eight per processor, from 16 to 32: a reader spends
+    // most of its time waiting on a cold disk, and more readers than the
+    // disk can serve cost the walk a little when the cache is warm.
     static constexpr int spinningDiskReaders = 2;
     [[nodiscard]] static int solidDiskReaders();
     [[nodiscard]] static int readersFor(const QString& folder);
