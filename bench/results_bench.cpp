@@ -8,8 +8,6 @@
 
 #include "results/DiskUsageScanProgressForm.h"
 #include "results/TreemapView.h"
-#include "settings/ExclusionSettings.h"
-#include "settings/FileTypeCatalogue.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -44,9 +42,6 @@ int main(int argc, char* argv[])
         std::fprintf(stderr, "usage: %s [--map [IMAGE]] FOLDER\n", argv[0]);
         return 2;
     }
-    FileTypeCatalogue::fillDefaults(FileTypeCatalogue::instance());
-    ExclusionSettings::excludeList().clear();
-
     DiskUsageScanProgressForm form;
     form.resize(986, 513);
     form.show();
@@ -84,7 +79,7 @@ int main(int argc, char* argv[])
         QApplication::quit();
     });
     timer.start();
-    form.startScanning(arguments.first());
+    form.startScanning(ScanRequest::of(arguments.first(), Settings::defaults()));
     QApplication::exec();
     std::printf("results %.3f s, ", scanSeconds);
     if (withMap)

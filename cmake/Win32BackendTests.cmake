@@ -14,6 +14,7 @@ ExternalProject_Add(win32_backend_tests
     BINARY_DIR ${win32_build}
     CMAKE_ARGS -DCMAKE_TOOLCHAIN_FILE=${PROJECT_SOURCE_DIR}/cmake/mingw-w64-x86_64-posix.cmake
                -DCMAKE_BUILD_TYPE=Release
+               -DTALLYROOT_WARNINGS_AS_ERRORS=${TALLYROOT_WARNINGS_AS_ERRORS}
     INSTALL_COMMAND ""
     BUILD_ALWAYS ON
     USES_TERMINAL_BUILD ON)

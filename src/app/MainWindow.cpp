@@ -15,9 +15,11 @@ MainWindow::MainWindow(QWidget* parent)
     restoreGeometry();
 
     stackedLayout = new QStackedLayout;
-    homeForm = new DiskUsageForm(this);
+    homeForm = new DiskUsageForm(settings, this);
     // A close refused while a release ran comes back once it has ended.
     connect(homeForm, &DiskUsageForm::closeApp, this, &QWidget::close);
+    connect(homeForm, &DiskUsageForm::settingsSaved, this,
+            [this](const Settings& saved) { settings = saved; });
     homeForm->show();
     stackedLayout->addWidget(homeForm);
     ui->centralwidget->setLayout(stackedLayout);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "settings/Settings.h"
+
 #include <QMainWindow>
 
 #include <memory>
@@ -31,6 +33,8 @@ private:
     void restoreGeometry();
 
     std::unique_ptr<Ui::MainWindow> ui;
+    // What the options page saved last; every scan starts from it.
+    Settings settings = Settings::load();
     DiskUsageForm* homeForm = nullptr;
     QStackedLayout* stackedLayout = nullptr;
 };

@@ -3,8 +3,6 @@
 // and closes the window.
 
 #include "results/DiskUsageScanProgressForm.h"
-#include "settings/ExclusionSettings.h"
-#include "settings/FileTypeCatalogue.h"
 
 #include <QApplication>
 #include <QDir>
@@ -16,15 +14,11 @@ int main(int argc, char* argv[])
     const QStringList arguments = QApplication::arguments();
     const QString path = arguments.size() > 1 ? arguments.at(1) : QDir::homePath();
 
-    if (!FileTypeCatalogue::load(FileTypeCatalogue::instance()))
-        FileTypeCatalogue::fillDefaults(FileTypeCatalogue::instance());
-    ExclusionSettings::load();
-
     DiskUsageScanProgressForm form;
     form.setWindowTitle(QStringLiteral("Tallyroot"));
     form.resize(986, 513);
     QObject::connect(&form, &DiskUsageScanProgressForm::backToMain, &app, &QApplication::quit);
     form.show();
-    form.startScanning(QDir::toNativeSeparators(path));
+    form.startScanning(ScanRequest::of(path, Settings::load()));
     return QApplication::exec();
 }

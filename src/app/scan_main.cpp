@@ -5,8 +5,7 @@
 #include "scan/DiskUsageWorkerThread.h"
 #include "scan/ScanJsonWriter.h"
 #include "scan/VolumeReconciliation.h"
-#include "settings/ExclusionSettings.h"
-#include "settings/FileTypeCatalogue.h"
+#include "settings/Settings.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -22,19 +21,10 @@ namespace {
 
 ScanRequest requestFor(const QString& path, bool defaults, const QStringList& extraExclusions)
 {
-    QList<FileTypeCategory>& catalogue = FileTypeCatalogue::instance();
-    if (defaults || !FileTypeCatalogue::load(catalogue))
-        FileTypeCatalogue::fillDefaults(catalogue);
-    if (!defaults)
-        ExclusionSettings::load();
-    ScanRequest request = ScanRequest::fromSettings(path);
-    if (defaults) {
-        request.exclusions.clear();
-        request.excludeOneDrive = false;
-    }
+    Settings settings = defaults ? Settings::defaults() : Settings::load();
     for (const QString& folder : extraExclusions)
-        request.exclusions.append({true, folder});
-    return request;
+        settings.exclusions.append({true, folder});
+    return ScanRequest::of(path, settings);
 }
 
 [[noreturn]] void fail(const QString& message)
@@ -86,22 +76,14 @@ int main(int argc, char* argv[])
     QCoreApplication::setApplicationVersion(TALLYROOT_VERSION);
 
     QCommandLineParser parser;
-    // A Windows listing does not tell a hard-linked file from others.
-#ifdef _WIN32
-    const char* onDisk = "(space allocated, every name of a hard-linked file counting)";
-#else
-    const char* onDisk = "(blocks allocated, each hard-linked file once)";
-#endif
     parser.setApplicationDescription(
-        QStringLiteral(
-            "Scans one folder with Tallyroot's scan engine and prints a summary line: folders\n"
-            "(the scanned one included), files, bytes (every hard link), bytes on disk\n"
-            "%1, entries and seconds, and how\n"
-            "many folders could not be read. For the root of a volume a second line\n"
-            "compares the scan with the space the volume says is used.\n"
-            "Exit status: 0 when the scan ran, 1 when the folder or the JSON file is\n"
-            "unusable, 2 on wrong usage.")
-            .arg(QLatin1String(onDisk)));
+        "Scans one folder with Tallyroot's scan engine and prints a summary line: folders\n"
+        "(the scanned one included), files, bytes (every hard link), bytes on disk\n"
+        "(blocks allocated, each hard-linked file once), entries and seconds, and how\n"
+        "many folders could not be read. For the root of a volume a second line\n"
+        "compares the scan with the space the volume says is used.\n"
+        "Exit status: 0 when the scan ran, 1 when the folder or the JSON file is\n"
+        "unusable, 2 on wrong usage.");
     // Answered here rather than by the parser, which on Windows shows them in
     // a message box when no console window is open (output to a pipe).
     const QCommandLineOption help({"h", "help"}, "Displays this help.");

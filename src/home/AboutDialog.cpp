@@ -1,7 +1,7 @@
 #include "AboutDialog.h"
 
 #include "WebLinks.h"
-#include "results/ShellActions.h"
+#include "desktop/ShellActions.h"
 #include "ui_AboutDialog.h"
 
 #include <QUrl>
@@ -11,9 +11,10 @@ AboutDialog::AboutDialog(QWidget* parent)
     , ui(std::make_unique<Ui::AboutDialog>())
 {
     ui->setupUi(this);
+    connect(ui->closeButton, &QAbstractButton::clicked, this, &QDialog::close);
     const bool windows = QSysInfo::kernelType() == QLatin1String("winnt");
-    ui->label_5->setText(windows ? QStringLiteral("for Windows 11/10")
-                                 : QStringLiteral("for Linux"));
+    ui->platformLabel->setText(windows ? QStringLiteral("for Windows 11/10")
+                                       : QStringLiteral("for Linux"));
     const QString shown = WebLinks::webAddress().isEmpty() ? QStringLiteral("Tallyroot User Guide")
                                                            : WebLinks::webAddress();
     ui->webLabel->setText(QStringLiteral("<a href=\"%1\">%2</a>")
@@ -23,12 +24,7 @@ AboutDialog::AboutDialog(QWidget* parent)
                                           Qt::LinksAccessibleByKeyboard);
     connect(ui->webLabel, &QLabel::linkActivated, this,
             [this](const QString& link) { ShellActions::openLink(QUrl(link), this); });
-    ui->label->setText(QStringLiteral("Tallyroot"));
+    ui->titleLabel->setText(QStringLiteral("Tallyroot"));
 }
 
 AboutDialog::~AboutDialog() = default;
-
-void AboutDialog::on_closeButton_clicked()
-{
-    close();
-}

@@ -17,9 +17,6 @@ public:
     explicit AboutDialog(QWidget* parent = nullptr);
     ~AboutDialog() override;
 
-private slots:
-    void on_closeButton_clicked();
-
 private:
     std::unique_ptr<Ui::AboutDialog> ui;
 };

@@ -21,6 +21,7 @@ DiskUsageDetailInfoDialog::DiskUsageDetailInfoDialog(QWidget* parent)
     , ui(std::make_unique<Ui::DiskUsageDetailInfoDialog>())
 {
     ui->setupUi(this);
+    connect(ui->closeButton, &QAbstractButton::clicked, this, &QDialog::close);
     model.setHorizontalHeaderLabels({"Field", "Value"});
     ui->treeView->setModel(&model);
     ui->treeView->setEditTriggers(QAbstractItemView::NoEditTriggers);
@@ -65,9 +66,4 @@ void DiskUsageDetailInfoDialog::fill(const DriveInfo& drive)
     model.invisibleRootItem()->appendRow(general);
     model.invisibleRootItem()->appendRow(features);
     ui->treeView->expandAll();
-}
-
-void DiskUsageDetailInfoDialog::on_closeButton_clicked()
-{
-    close();
 }

@@ -22,9 +22,6 @@ public:
 
     void fill(const DriveInfo& drive);
 
-private slots:
-    void on_closeButton_clicked();
-
 private:
     std::unique_ptr<Ui::DiskUsageDetailInfoDialog> ui;
     QStandardItemModel model;

@@ -8,6 +8,8 @@ DiskUsageFolderInfoForm::DiskUsageFolderInfoForm(QWidget* parent)
     , ui(std::make_unique<Ui::DiskUsageFolderInfoForm>())
 {
     ui->setupUi(this);
+    connect(ui->startButton, &QAbstractButton::clicked, this,
+            [this] { emit startScan(diskIndex); });
 }
 
 DiskUsageFolderInfoForm::~DiskUsageFolderInfoForm() = default;
@@ -26,9 +28,4 @@ void DiskUsageFolderInfoForm::setPath(const QString& path)
     const QPixmap icon = platform::largeIcon(path);
     ui->icon->setPixmap(
         icon.isNull() ? QPixmap(QStringLiteral(":/resources/images/genericFolder48.png")) : icon);
-}
-
-void DiskUsageFolderInfoForm::on_startButton_clicked()
-{
-    emit startScan(diskIndex);
 }

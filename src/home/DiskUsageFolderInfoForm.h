@@ -25,9 +25,6 @@ public:
 signals:
     void startScan(int diskIndex);
 
-private slots:
-    void on_startButton_clicked();
-
 private:
     std::unique_ptr<Ui::DiskUsageFolderInfoForm> ui;
 };

@@ -1,18 +1,17 @@
 #include "DiskUsageForm.h"
 
 #include "AboutDialog.h"
-#include "ClickableLabel.h"
 #include "DiskUsageDetailInfoDialog.h"
 #include "DiskUsageFolderInfoForm.h"
 #include "DiskUsageItemInfoForm.h"
+#include "RecentFolders.h"
 #include "UpgradeDialog.h"
 #include "WebLinks.h"
+#include "desktop/ShellActions.h"
 #include "platform/Shell.h"
 #include "platform/UserFolders.h"
 #include "results/DiskUsageScanProgressForm.h"
-#include "results/ShellActions.h"
 #include "settings/DiskUsageOptionsForm.h"
-#include "settings/FileTypeCatalogue.h"
 #include "settings/SettingsStore.h"
 #include "ui_DiskUsageForm.h"
 
@@ -25,14 +24,6 @@
 
 namespace {
 
-constexpr int shortenedLength = 36;
-constexpr int shortenedPart = 16;
-
-QString recentValueName(int index)
-{
-    return QStringLiteral("RecentFile%1").arg(index + 1);
-}
-
 QString specialFolder(platform::SpecialFolder which)
 {
     return QString::fromStdWString(platform::specialFolderPath(which));
@@ -40,9 +31,10 @@ QString specialFolder(platform::SpecialFolder which)
 
 } // namespace
 
-DiskUsageForm::DiskUsageForm(QWidget* parent)
+DiskUsageForm::DiskUsageForm(const Settings& settings, QWidget* parent)
     : QWidget(parent)
     , ui(std::make_unique<Ui::DiskUsageForm>())
+    , settings(settings)
 {
     ui->setupUi(this);
     // The cards sit on the tab's own background, not the darker list one.
@@ -56,16 +48,10 @@ DiskUsageForm::DiskUsageForm(QWidget* parent)
     const int scrollBar = style()->pixelMetric(QStyle::PM_ScrollBarExtent);
     for (QScrollArea* area : {ui->drivesScrollArea, ui->foldersScrollArea})
         area->setMinimumWidth(area->widget()->minimumSizeHint().width() + scrollBar);
-    addRecentRows();
-    loadRecentPaths();
-    showRecentPaths();
-
-    if (!FileTypeCatalogue::load(FileTypeCatalogue::instance()))
-        FileTypeCatalogue::fillDefaults(FileTypeCatalogue::instance());
-    optionsForm = new DiskUsageOptionsForm(ui->tabOptions);
-    ui->optionsLayout->addWidget(optionsForm);
-    optionsForm->loadSettings();
-    optionsForm->show();
+    recent = new RecentFolders(ui->recentGroupBox, ui->recentLayout);
+    connect(recent, &RecentFolders::chosen, this, &DiskUsageForm::startScan);
+    addOptionsPage();
+    connectButtons();
 
     ui->tabWidget->setCurrentIndex(0);
     stackedLayout = new QStackedLayout(this);
@@ -73,6 +59,31 @@ DiskUsageForm::DiskUsageForm(QWidget* parent)
 }
 
 DiskUsageForm::~DiskUsageForm() = default;
+
+void DiskUsageForm::connectButtons()
+{
+    connect(ui->selectFolderButton, &QAbstractButton::clicked, this,
+            &DiskUsageForm::onSelectFolder);
+    connect(ui->websiteButton, &QAbstractButton::clicked, this, &DiskUsageForm::onWebsite);
+    connect(ui->aboutButton, &QAbstractButton::clicked, this, &DiskUsageForm::onAbout);
+    connect(ui->upgradeButton, &QAbstractButton::clicked, this, &DiskUsageForm::onUpgrade);
+    // Asked on every change of tab, also between the other two.
+    connect(ui->tabWidget, &QTabWidget::currentChanged, this, [this] { offerToSaveOptions(); });
+}
+
+void DiskUsageForm::addOptionsPage()
+{
+    optionsForm = new DiskUsageOptionsForm(ui->tabOptions);
+    ui->optionsLayout->addWidget(optionsForm);
+    optionsForm->edit(settings);
+    optionsForm->show();
+    connect(optionsForm, &DiskUsageOptionsForm::saved, this, &DiskUsageForm::settingsSaved);
+}
+
+const QStringList& DiskUsageForm::recentFolders() const
+{
+    return recent->paths();
+}
 
 // Also replaces the cards shown before, so that free space and disks that
 // came or went are current again.
@@ -96,8 +107,8 @@ void DiskUsageForm::addDriveCards()
         card->setSizeText(drive.sizeText(), drive.sizeDetails());
         card->setUsedPercent(drive.usedPercent());
         card->setRootPath(drive.rootPath);
-        connect(card, &DiskUsageItemInfoForm::showDetails, this, &DiskUsageForm::OnShowDetails);
-        connect(card, &DiskUsageItemInfoForm::startScan, this, &DiskUsageForm::OnStartScan);
+        connect(card, &DiskUsageItemInfoForm::showDetails, this, &DiskUsageForm::onShowDetails);
+        connect(card, &DiskUsageItemInfoForm::startScan, this, &DiskUsageForm::onDriveScan);
         ui->drivesLayout->addWidget(card);
     }
     ui->drivesLayout->addStretch();
@@ -116,95 +127,17 @@ void DiskUsageForm::addFolderCards()
     // Windows has every special folder; a Linux desktop may have made only some.
     const bool onlyExisting = QSysInfo::kernelType() != QLatin1String("winnt");
     for (int index = 0; index < int(specialFolderPaths.size()); ++index) {
-        if (onlyExisting && !QFileInfo(specialFolderPaths.at(index)).isDir())
+        const QString& path = specialFolderPaths.at(index);
+        if (onlyExisting && !QFileInfo(path).isDir())
             continue;
         auto* card = new DiskUsageFolderInfoForm(ui->foldersList);
         card->diskIndex = index;
-        card->setName(QFileInfo(specialFolderPaths.at(index)).fileName());
-        card->setPath(specialFolderPaths.at(index));
-        connect(card, &DiskUsageFolderInfoForm::startScan, this, &DiskUsageForm::OnStartScan);
+        card->setName(QFileInfo(path).fileName());
+        card->setPath(path);
+        connect(card, &DiskUsageFolderInfoForm::startScan, this, [this, path] { startScan(path); });
         ui->foldersLayout->addWidget(card);
     }
     ui->foldersLayout->addStretch();
-}
-
-void DiskUsageForm::addRecentRows()
-{
-    for (int row = 1; row <= recentRowCount; ++row) {
-        auto* text = new ClickableLabel(ui->recentGroupBox);
-        auto* icon = new ClickableLabel(ui->recentGroupBox);
-        const QString name = QStringLiteral("recentLabel%1").arg(row);
-        text->setObjectName(name);
-        icon->setObjectName(name);
-        icon->setMaximumWidth(20);
-        // A narrow window elides the text rather than growing; the tooltip
-        // has the whole path.
-        text->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-        connect(text, &ClickableLabel::clicked, this, &DiskUsageForm::on_RecentPathClicked);
-        connect(icon, &ClickableLabel::clicked, this, &DiskUsageForm::on_RecentPathClicked);
-        auto* rowLayout = new QHBoxLayout;
-        rowLayout->addWidget(icon);
-        rowLayout->addWidget(text);
-        ui->recentLayout->addLayout(rowLayout);
-        recentIconLabels.append(icon);
-        recentTextLabels.append(text);
-    }
-    ui->recentLayout->addStretch();
-}
-
-void DiskUsageForm::loadRecentPaths()
-{
-    recentPaths.clear();
-    for (int index = 0; index < recentRowCount; ++index) {
-        const QString path = SettingsStore::readString(recentValueName(index)).value_or(QString());
-        if (!path.isEmpty() && QFileInfo::exists(path))
-            recentPaths.append(path);
-    }
-}
-
-void DiskUsageForm::showRecentPaths()
-{
-    for (int row = 0; row < recentRowCount; ++row) {
-        ClickableLabel* text = recentTextLabels.at(row);
-        ClickableLabel* icon = recentIconLabels.at(row);
-        if (row >= recentPaths.size()) {
-            text->setVisible(false);
-            icon->setVisible(false);
-            continue;
-        }
-        const QString& path = recentPaths.at(row);
-        text->setElidedText(shortenedPath(path));
-        text->setToolTip(path);
-        text->setVisible(true);
-        const QIcon shellIcon = platform::smallFileIcon(path);
-        icon->setPixmap(shellIcon.pixmap(16, 16));
-        icon->setVisible(!shellIcon.isNull());
-    }
-}
-
-QString DiskUsageForm::shortenedPath(const QString& path)
-{
-    if (path.size() <= shortenedLength)
-        return path;
-    return path.left(shortenedPart) + QStringLiteral("...") + path.right(shortenedPart);
-}
-
-// The list is written whole and never cut, so a sixth entry lands in
-// RecentFile6; only five are ever read back.
-void DiskUsageForm::rememberRecentPath(const QString& path)
-{
-    for (int index = 0; index < recentPaths.size(); ++index) {
-        if (recentPaths.at(index).compare(path, Qt::CaseInsensitive) == 0) {
-            recentPaths.removeAt(index);
-            break;
-        }
-    }
-    recentPaths.prepend(path);
-    SettingsStore::Batch batch;
-    for (int index = 0; index < recentPaths.size(); ++index)
-        SettingsStore::writeString(recentValueName(index), recentPaths.at(index));
-    (void)batch.finish(); // a list that cannot be stored is simply not remembered
-    showRecentPaths();
 }
 
 void DiskUsageForm::startScan(const QString& path)
@@ -225,23 +158,20 @@ void DiskUsageForm::startScan(const QString& path)
     isScanning = true;
 
     resultsScreen = new DiskUsageScanProgressForm(this);
-    connect(resultsScreen, &DiskUsageScanProgressForm::backToMain, this,
-            &DiskUsageForm::OnBackToMain);
-    connect(resultsScreen, &DiskUsageScanProgressForm::scanFinish, this,
-            &DiskUsageForm::OnScanFinish);
-    connect(resultsScreen, &DiskUsageScanProgressForm::clearRAMStart, this,
-            &DiskUsageForm::OnClearRAMStart);
-    connect(resultsScreen, &DiskUsageScanProgressForm::clearRAMFinish, this,
-            &DiskUsageForm::OnClearRAMFinish);
-    resultsScreen->startScanning(path);
+    using Results = DiskUsageScanProgressForm;
+    connect(resultsScreen, &Results::backToMain, this, &DiskUsageForm::onBackToMain);
+    connect(resultsScreen, &Results::scanFinish, this, &DiskUsageForm::onScanFinish);
+    connect(resultsScreen, &Results::clearRAMStart, this, &DiskUsageForm::onClearRAMStart);
+    connect(resultsScreen, &Results::clearRAMFinish, this, &DiskUsageForm::onClearRAMFinish);
+    resultsScreen->startScanning(ScanRequest::of(path, settings));
     resultsScreen->show();
     stackedLayout->addWidget(resultsScreen);
     stackedLayout->setCurrentIndex(1);
 
-    rememberRecentPath(path);
+    recent->remember(path);
 }
 
-void DiskUsageForm::OnShowDetails(int diskIndex)
+void DiskUsageForm::onShowDetails(int diskIndex)
 {
     if (diskIndex < 0 || diskIndex >= drives.size())
         return;
@@ -250,25 +180,19 @@ void DiskUsageForm::OnShowDetails(int diskIndex)
     dialog.exec();
 }
 
-void DiskUsageForm::OnStartScan(int diskIndex)
+void DiskUsageForm::onDriveScan(int diskIndex)
 {
-    if (ui->tabWidget->currentIndex() == 0) {
-        if (diskIndex < 0 || diskIndex >= drives.size())
-            return;
-        const QString path = drives.at(diskIndex).scanPath();
-        // A disk that went away since its card was made takes its card along.
-        if (QFileInfo::exists(path))
-            startScan(path);
-        else
-            addDriveCards();
+    if (diskIndex < 0 || diskIndex >= drives.size())
         return;
-    }
-    if (diskIndex < 0 || diskIndex > Videos)
-        diskIndex = Profile;
-    startScan(specialFolderPaths.at(diskIndex));
+    const QString path = drives.at(diskIndex).scanPath();
+    // A disk that went away since its card was made takes its card along.
+    if (QFileInfo::exists(path))
+        startScan(path);
+    else
+        addDriveCards();
 }
 
-void DiskUsageForm::OnBackToMain()
+void DiskUsageForm::onBackToMain()
 {
     if (!resultsScreen)
         return;
@@ -286,20 +210,20 @@ void DiskUsageForm::closeIfRequested()
     close();
 }
 
-void DiskUsageForm::OnScanFinish()
+void DiskUsageForm::onScanFinish()
 {
     emit showToolbarSignal(true);
     isScanning = false;
     closeIfRequested();
 }
 
-void DiskUsageForm::OnClearRAMStart()
+void DiskUsageForm::onClearRAMStart()
 {
     emit showToolbarSignal(false);
     isClearingRam = true;
 }
 
-void DiskUsageForm::OnClearRAMFinish()
+void DiskUsageForm::onClearRAMFinish()
 {
     emit showToolbarSignal(true);
     isClearingRam = false;
@@ -311,10 +235,10 @@ void DiskUsageForm::stopScan()
     if (!resultsScreen)
         return;
     closeRequested = true;
-    resultsScreen->cancelScan(true);
+    resultsScreen->cancelScan();
 }
 
-void DiskUsageForm::on_selectFolderButton_clicked()
+void DiskUsageForm::onSelectFolder()
 {
     const QString path = platform::browseForFolder(QStringLiteral("Select folder to scan..."),
                                                    specialFolderPaths.at(Documents));
@@ -322,21 +246,15 @@ void DiskUsageForm::on_selectFolderButton_clicked()
         startScan(path);
 }
 
-void DiskUsageForm::on_websiteButton_clicked()
+void DiskUsageForm::onWebsite()
 {
     ShellActions::openLink(WebLinks::website(), this);
 }
 
-void DiskUsageForm::on_aboutButton_clicked()
+void DiskUsageForm::onAbout()
 {
     AboutDialog dialog(this);
     dialog.exec();
-}
-
-// Asked on every change of tab, also between the other two.
-void DiskUsageForm::on_tabWidget_currentChanged(int)
-{
-    offerToSaveOptions();
 }
 
 bool DiskUsageForm::offerToSaveOptions(bool cancellable)
@@ -356,25 +274,8 @@ bool DiskUsageForm::offerToSaveOptions(bool cancellable)
     return answer != QMessageBox::Yes || optionsForm->save();
 }
 
-void DiskUsageForm::on_upgradeButton_clicked()
+void DiskUsageForm::onUpgrade()
 {
     UpgradeDialog dialog(this);
     dialog.exec();
-}
-
-// The row number is the last character of the sender's name.
-void DiskUsageForm::on_RecentPathClicked()
-{
-    const QString name = sender() ? sender()->objectName() : QString();
-    bool ok = false;
-    const int row = name.right(1).toInt(&ok);
-    if (!ok || row < 1 || row > recentPaths.size())
-        return;
-    const QString path = recentPaths.at(row - 1);
-    // A folder deleted since the list was shown leaves the rows instead.
-    if (!QFileInfo::exists(path)) {
-        recentPaths.removeAt(row - 1);
-        showRecentPaths();
-    }
-    startScan(path);
 }

@@ -2,16 +2,16 @@
 
 #include "DriveInfo.h"
 
-#include <QStringList>
 #include <QWidget>
 
 #include <array>
 #include <memory>
 
-class ClickableLabel;
 class DiskUsageOptionsForm;
 class DiskUsageScanProgressForm;
 class QStackedLayout;
+class RecentFolders;
+struct Settings;
 
 namespace Ui {
 class DiskUsageForm;
@@ -19,16 +19,16 @@ class DiskUsageForm;
 
 // The home screen: cards for the local disks and the user's own folders, the
 // folders scanned last, and the options. Whatever is picked becomes one path
-// that a new results screen scans; the results replace this page until the
-// user goes back.
+// that a new results screen scans with the settings as they stand; the
+// results replace this page until the user goes back.
 class DiskUsageForm : public QWidget {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(DiskUsageForm)
 
 public:
-    static constexpr int recentRowCount = 5;
-
-    explicit DiskUsageForm(QWidget* parent = nullptr);
+    // The settings are the caller's, who keeps them as the options page saves
+    // them (settingsSaved()); each scan takes them as they are then.
+    explicit DiskUsageForm(const Settings& settings, QWidget* parent = nullptr);
     ~DiskUsageForm() override;
 
     // A results screen exists and its scan has not finished.
@@ -47,51 +47,39 @@ public:
     bool offerToSaveOptions(bool cancellable = false);
     // A close was asked for and waits for a scan or release to end.
     [[nodiscard]] bool isClosing() const { return closeRequested; }
-    [[nodiscard]] const QStringList& recentFolders() const { return recentPaths; }
-    // Longer paths show as their first and last 16 characters around "...".
-    [[nodiscard]] static QString shortenedPath(const QString& path);
+    [[nodiscard]] const QStringList& recentFolders() const;
 
 signals:
     void showToolbarSignal(bool show);
     void closeApp();
-
-public slots:
-    void OnShowDetails(int diskIndex);
-    void OnStartScan(int diskIndex);
-    void OnBackToMain();
-    void OnScanFinish();
-    void OnClearRAMStart();
-    void OnClearRAMFinish();
-
-private slots:
-    void on_selectFolderButton_clicked();
-    void on_websiteButton_clicked();
-    void on_aboutButton_clicked();
-    void on_tabWidget_currentChanged(int index);
-    void on_upgradeButton_clicked();
+    void settingsSaved(const Settings& settings);
 
 private:
-    // Connected by hand; not a slot, which the by-name connection would take
-    // for one of an object called "RecentPathClicked".
-    void on_RecentPathClicked();
     enum SpecialFolderIndex { Documents, Downloads, Music, Pictures, Videos, Profile };
 
+    void connectButtons();
     void addDriveCards();
     void addFolderCards();
-    void addRecentRows();
-    void loadRecentPaths();
-    void showRecentPaths();
-    void rememberRecentPath(const QString& path);
+    void addOptionsPage();
+    void onShowDetails(int diskIndex);
+    void onDriveScan(int diskIndex);
+    void onBackToMain();
+    void onScanFinish();
+    void onClearRAMStart();
+    void onClearRAMFinish();
+    void onSelectFolder();
+    void onWebsite();
+    void onAbout();
+    void onUpgrade();
     void closeIfRequested();
 
     std::unique_ptr<Ui::DiskUsageForm> ui;
+    const Settings& settings;
     QList<DriveInfo> drives;
     std::array<QString, 6> specialFolderPaths;
     bool closeRequested = false;
     DiskUsageScanProgressForm* resultsScreen = nullptr;
     DiskUsageOptionsForm* optionsForm = nullptr;
-    QStringList recentPaths;
-    QList<ClickableLabel*> recentIconLabels;
-    QList<ClickableLabel*> recentTextLabels;
+    RecentFolders* recent = nullptr;
     QStackedLayout* stackedLayout = nullptr;
 };

@@ -8,6 +8,10 @@ DiskUsageItemInfoForm::DiskUsageItemInfoForm(QWidget* parent)
     , ui(std::make_unique<Ui::DiskUsageItemInfoForm>())
 {
     ui->setupUi(this);
+    connect(ui->infoButton, &QAbstractButton::clicked, this,
+            [this] { emit showDetails(diskIndex); });
+    connect(ui->startButton, &QAbstractButton::clicked, this,
+            [this] { emit startScan(diskIndex); });
 }
 
 DiskUsageItemInfoForm::~DiskUsageItemInfoForm() = default;
@@ -40,14 +44,4 @@ void DiskUsageItemInfoForm::setRootPath(const QString& path)
     const QPixmap icon = platform::largeIcon(path);
     ui->icon->setPixmap(icon.isNull() ? QPixmap(QStringLiteral(":/resources/images/Drive48.png"))
                                       : icon);
-}
-
-void DiskUsageItemInfoForm::on_infoButton_clicked()
-{
-    emit showDetails(diskIndex);
-}
-
-void DiskUsageItemInfoForm::on_startButton_clicked()
-{
-    emit startScan(diskIndex);
 }

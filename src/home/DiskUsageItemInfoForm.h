@@ -31,10 +31,6 @@ signals:
     void showDetails(int diskIndex);
     void startScan(int diskIndex);
 
-private slots:
-    void on_infoButton_clicked();
-    void on_startButton_clicked();
-
 private:
     std::unique_ptr<Ui::DiskUsageItemInfoForm> ui;
 };

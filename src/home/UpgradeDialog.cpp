@@ -8,6 +8,7 @@ UpgradeDialog::UpgradeDialog(QWidget* parent)
     , ui(std::make_unique<Ui::UpgradeDialog>())
 {
     ui->setupUi(this);
+    connect(ui->closeButton, &QAbstractButton::clicked, this, &QDialog::close);
     ui->versionLabel->setText(QStringLiteral("Installed: Tallyroot %1").arg(TALLYROOT_VERSION));
     const QUrl releases = WebLinks::releases();
     if (releases.isEmpty()) {
@@ -22,8 +23,3 @@ UpgradeDialog::UpgradeDialog(QWidget* parent)
 }
 
 UpgradeDialog::~UpgradeDialog() = default;
-
-void UpgradeDialog::on_closeButton_clicked()
-{
-    close();
-}

@@ -18,9 +18,6 @@ public:
     explicit UpgradeDialog(QWidget* parent = nullptr);
     ~UpgradeDialog() override;
 
-private slots:
-    void on_closeButton_clicked();
-
 private:
     std::unique_ptr<Ui::UpgradeDialog> ui;
 };

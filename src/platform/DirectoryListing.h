@@ -26,8 +26,10 @@ struct DirectoryEntry {
     // Bytes the file takes on disk: blocks allocated, which a sparse or
     // compressed file has fewer of, and a small file may have none of.
     std::uint64_t allocated = 0;
-    // A file with more than one name (hard links), by its inode on Linux; 0 for
-    // a file of one name, and where the listing cannot tell (Windows).
+    // What tells a file of several names (hard links) from others, never 0:
+    // on Linux its inode, for a file of more than one name; on Windows, which
+    // lists no link count, a number from the volume and its file ID, for every
+    // file of an NTFS volume. 0 for a file that is never met twice.
     std::uint64_t linkedFile = 0;
     bool isDirectory = false;
     bool isLink = false; // a junction or directory link, entered as a folder (Windows)
@@ -72,9 +74,9 @@ public:
     // The bytes the folder itself takes on disk, where the system told them
     // (Linux, also for a folder met but not readable); 0 elsewhere.
     [[nodiscard]] std::uint64_t allocated() const;
-    // How many listings this process may hold open at once (Linux: the limit
-    // on open files, raised as far as it goes).
-    [[nodiscard]] static std::size_t openLimit();
+    // Raises the limit on listings this process may hold open at once as far
+    // as the system lets it (Linux: the limit on open files), and returns it.
+    static std::size_t raiseOpenLimit();
     // Whether a path leads to a folder (following links).
     [[nodiscard]] static bool isFolder(const NativeString& path);
     // Asks the system for the identity of the folder at a path; none when it

@@ -1,9 +1,11 @@
 #include "BiggestFilesModel.h"
 
-#include "ShellActions.h"
+#include "platform/Shell.h"
 
 #include <QDir>
 #include <QFileInfo>
+
+using namespace BiggestFileColumn;
 
 BiggestFilesModel::BiggestFilesModel(QObject* parent)
     : QAbstractTableModel(parent)
@@ -18,7 +20,7 @@ void BiggestFilesModel::setFiles(QList<DiskUsageGlobal::TFileInfo> newFiles)
     icons.clear();
     // Asked once: the desktop's answer takes a file system look-up.
     for (const DiskUsageGlobal::TFileInfo& file : std::as_const(files))
-        icons << ShellActions::smallFileIcon(file.filePath);
+        icons << platform::smallFileIcon(file.filePath);
     endResetModel();
 }
 

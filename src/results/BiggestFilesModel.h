@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Columns.h"
 #include "scan/DiskUsageGlobal.h"
 
 #include <QAbstractTableModel>
@@ -12,8 +13,6 @@ class BiggestFilesModel : public QAbstractTableModel {
     Q_DISABLE_COPY_MOVE(BiggestFilesModel)
 
 public:
-    enum Column { FileName, FileSize, LastAccess, Folder, RawSize, FileOnDisk, Count };
-
     explicit BiggestFilesModel(QObject* parent = nullptr);
     ~BiggestFilesModel() override;
 

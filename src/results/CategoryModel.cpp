@@ -1,6 +1,7 @@
 #include "CategoryModel.h"
 
 #include "scan/DiskUsageGlobal.h"
+#include "settings/FileTypeCatalogue.h"
 
 #include <QIcon>
 
@@ -14,6 +15,8 @@ double mebibytesOf(const FileTypeCategory& category)
 }
 
 } // namespace
+
+using namespace CategoryColumn;
 
 CategoryModel::CategoryModel(QObject* parent)
     : QAbstractTableModel(parent)
@@ -94,10 +97,5 @@ QVariant CategoryModel::headerData(int section, Qt::Orientation orientation, int
 
 QIcon CategoryModel::categoryIcon(int index)
 {
-    static const char* const icons[] = {
-        "3dImages16",    "Audio16",       "Backup16", "CompressedFiles16",
-        "DiskImage16",   "Document16",    "Font16",   "Install16",
-        "RasterImage16", "VectorImage16", "Video16",  "WebFile16"};
-    const char* name = index >= 0 && index < int(std::size(icons)) ? icons[index] : "Document16";
-    return QIcon(QStringLiteral(":/resources/images/%1.png").arg(QLatin1String(name)));
+    return QIcon(FileTypeCatalogue::iconAt(index));
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Columns.h"
 #include "settings/FileTypeCategory.h"
 
 #include <QAbstractTableModel>
@@ -14,8 +15,6 @@ class CategoryModel : public QAbstractTableModel {
     Q_DISABLE_COPY_MOVE(CategoryModel)
 
 public:
-    enum Column { Category, Total, LastAccess, Path, Mebibytes, CategoryIndex, Count };
-
     explicit CategoryModel(QObject* parent = nullptr);
     ~CategoryModel() override;
 

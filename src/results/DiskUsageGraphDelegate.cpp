@@ -1,6 +1,6 @@
 #include "DiskUsageGraphDelegate.h"
 
-#include "FolderColumn.h"
+#include "Columns.h"
 #include "scan/DiskUsageGlobal.h"
 
 #include <QAbstractItemModel>

@@ -1,5 +1,6 @@
 #include "DiskUsageScanInfoForm.h"
 
+#include "ScanController.h"
 #include "ui_DiskUsageScanInfoForm.h"
 
 DiskUsageScanInfoForm::DiskUsageScanInfoForm(QWidget* parent)
@@ -7,13 +8,14 @@ DiskUsageScanInfoForm::DiskUsageScanInfoForm(QWidget* parent)
     , ui(std::make_unique<Ui::DiskUsageScanInfoForm>())
 {
     ui->setupUi(this);
+    connect(ui->pushButton, &QAbstractButton::clicked, this, &DiskUsageScanInfoForm::scanCancel);
 }
 
 DiskUsageScanInfoForm::~DiskUsageScanInfoForm() = default;
 
 void DiskUsageScanInfoForm::setTitle(const QString& title)
 {
-    ui->label->setText(title);
+    ui->titleLabel->setText(title);
 }
 
 void DiskUsageScanInfoForm::setPath(const QString& path)
@@ -46,7 +48,11 @@ void DiskUsageScanInfoForm::disableCancel()
     ui->pushButton->setEnabled(false);
 }
 
-void DiskUsageScanInfoForm::on_pushButton_clicked()
+void DiskUsageScanInfoForm::follow(const ScanController& scan)
 {
-    emit scanCancel();
+    using Panel = DiskUsageScanInfoForm;
+    connect(&scan, &ScanController::folderEntered, this, &Panel::setPath);
+    connect(&scan, &ScanController::itemCountChanged, this, &Panel::setItemCount);
+    connect(&scan, &ScanController::stepsKnown, this, &Panel::setMaximum);
+    connect(&scan, &ScanController::stepped, this, &Panel::step);
 }

@@ -2,6 +2,8 @@
 
 #include <QWidget>
 
+class ScanController;
+
 #include <memory>
 
 namespace Ui {
@@ -25,12 +27,12 @@ public:
     void setMaximum(int maximum);
     void step();
     void disableCancel();
+    // Shows what a scan, or a release, reports while the panel lives.
+    void follow(const ScanController& scan);
 
 signals:
+    // Cancel was pressed.
     void scanCancel();
-
-private slots:
-    void on_pushButton_clicked();
 
 private:
     std::unique_ptr<Ui::DiskUsageScanInfoForm> ui;

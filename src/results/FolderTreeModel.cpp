@@ -1,6 +1,6 @@
 #include "FolderTreeModel.h"
 
-#include "FolderColumn.h"
+#include "Columns.h"
 #include "platform/Shell.h"
 #include "scan/DiskUsageGlobal.h"
 

@@ -1,13 +1,12 @@
 #include "ResultDetailsDialog.h"
 
-#include "ShellActions.h"
+#include "ResultsLog.h"
+#include "desktop/ShellActions.h"
+#include "platform/NativeText.h"
+#include "platform/Shell.h"
 #include "ui_ResultDetailsDialog.h"
 
-#include <QDir>
 #include <QHeaderView>
-#include <QLoggingCategory>
-
-Q_LOGGING_CATEGORY(lcDetails, "tallyroot.details", QtInfoMsg)
 
 namespace {
 
@@ -22,7 +21,8 @@ QStandardItem* valueCell(const QVariant& value)
 
 } // namespace
 
-ResultDetailsDialog::ResultDetailsDialog(QWidget* parent)
+ResultDetailsDialog::ResultDetailsDialog(const QList<DiskUsageGlobal::TMainDataFile>& files,
+                                         QWidget* parent)
     : QDialog(parent)
     , ui(std::make_unique<Ui::ResultDetailsDialog>())
 {
@@ -33,23 +33,22 @@ ResultDetailsDialog::ResultDetailsDialog(QWidget* parent)
     ui->dataFilesTreeView->setEditTriggers(QAbstractItemView::NoEditTriggers);
     ui->dataFilesTreeView->header()->setSectionsClickable(true);
     connect(ui->dataFilesTreeView->header(), &QHeaderView::sectionClicked, this,
-            &ResultDetailsDialog::OnDataFileSectionClicked);
+            &ResultDetailsDialog::onSectionClicked);
+    connect(ui->explorerButton, &QAbstractButton::clicked, this,
+            &ResultDetailsDialog::onShowInFileManager);
+    connect(ui->openFileButton, &QAbstractButton::clicked, this, &ResultDetailsDialog::onOpenFile);
+    fill(files);
 }
 
 ResultDetailsDialog::~ResultDetailsDialog() = default;
 
-void ResultDetailsDialog::setEntries(const QList<DiskUsageGlobal::TMainDataFile>* entries)
+void ResultDetailsDialog::fill(const QList<DiskUsageGlobal::TMainDataFile>& files)
 {
-    files = entries;
-}
-
-void ResultDetailsDialog::fill()
-{
-    for (const auto& file : *files) {
-        const QString fullPath = QDir::toNativeSeparators(file.filePath + '/' + file.fileName);
-        qCDebug(lcDetails).noquote() << "fullPath:" << fullPath;
+    for (const auto& file : files) {
+        const QString fullPath = platform::childPath(file.filePath, file.fileName);
+        qCDebug(lcResults).noquote() << "fullPath:" << fullPath;
         auto* name = new QStandardItem(file.fileName);
-        name->setIcon(ShellActions::smallFileIcon(fullPath));
+        name->setIcon(platform::smallFileIcon(fullPath));
         model.appendRow({name, new QStandardItem(file.sizeText),
                          new QStandardItem(file.lastAccessText), new QStandardItem(file.filePath),
                          valueCell(file.size), valueCell(file.index)});
@@ -68,7 +67,7 @@ void ResultDetailsDialog::fill()
     }
 }
 
-void ResultDetailsDialog::OnDataFileSectionClicked(int index)
+void ResultDetailsDialog::onSectionClicked(int index)
 {
     descending = !descending;
     // Sizes sort by their value, not by their text.
@@ -76,32 +75,28 @@ void ResultDetailsDialog::OnDataFileSectionClicked(int index)
     model.sort(column, descending ? Qt::DescendingOrder : Qt::AscendingOrder);
 }
 
-QModelIndex ResultDetailsDialog::firstSelected() const
+QString ResultDetailsDialog::selectedPath() const
 {
     const QModelIndexList selected = ui->dataFilesTreeView->selectionModel()->selectedIndexes();
-    return selected.isEmpty() ? QModelIndex() : selected.first();
-}
-
-void ResultDetailsDialog::on_explorerButton_clicked()
-{
-    const QModelIndex row = firstSelected();
-    if (!row.isValid())
-        return;
-    const QString name = row.siblingAtColumn(Name).data().toString();
+    if (selected.isEmpty())
+        return {};
+    const QModelIndex row = selected.first();
     const QString folder = row.siblingAtColumn(Path).data().toString();
-    qCDebug(lcDetails) << "Length:" << folder.size();
-    // A folder that already ends in a separator (a drive or the root) takes no second one.
-    const QString fullPath = folder.endsWith('/') ? folder + name : folder + '/' + name;
-    ShellActions::showInExplorer(fullPath, this);
+    qCDebug(lcResults) << "Length:" << folder.size();
+    return platform::childPath(folder, row.siblingAtColumn(Name).data().toString());
 }
 
-void ResultDetailsDialog::on_openFileButton_clicked()
+void ResultDetailsDialog::onShowInFileManager()
 {
-    const QModelIndex row = firstSelected();
-    if (!row.isValid())
-        return;
-    const QString fullPath = row.siblingAtColumn(Path).data().toString() + '/' +
-                             row.siblingAtColumn(Name).data().toString();
-    qCDebug(lcDetails).noquote() << "open file path:" << fullPath;
-    ShellActions::openFile(fullPath, this);
+    const QString path = selectedPath();
+    if (!path.isEmpty())
+        ShellActions::showInExplorer(path, this);
+}
+
+void ResultDetailsDialog::onOpenFile()
+{
+    const QString path = selectedPath();
+    qCDebug(lcResults).noquote() << "open file path:" << path;
+    if (!path.isEmpty())
+        ShellActions::openFile(path, this);
 }

@@ -18,24 +18,19 @@ class ResultDetailsDialog : public QDialog {
     Q_DISABLE_COPY_MOVE(ResultDetailsDialog)
 
 public:
-    explicit ResultDetailsDialog(QWidget* parent = nullptr);
+    ResultDetailsDialog(const QList<DiskUsageGlobal::TMainDataFile>& files, QWidget* parent);
     ~ResultDetailsDialog() override;
 
-    // The list stays the caller's and must outlive the dialog.
-    void setEntries(const QList<DiskUsageGlobal::TMainDataFile>* files);
-    void fill();
-
-private slots:
-    void OnDataFileSectionClicked(int index);
-    void on_explorerButton_clicked();
-    void on_openFileButton_clicked();
-
 private:
-    [[nodiscard]] QModelIndex firstSelected() const;
+    void fill(const QList<DiskUsageGlobal::TMainDataFile>& files);
+    void onSectionClicked(int index);
+    void onShowInFileManager();
+    void onOpenFile();
+    // The selected file's path; empty without a selection.
+    [[nodiscard]] QString selectedPath() const;
 
     std::unique_ptr<Ui::ResultDetailsDialog> ui;
     QStandardItemModel model;
-    const QList<DiskUsageGlobal::TMainDataFile>* files = nullptr;
     // The order of the last header click; the first click sorts ascending.
     bool descending = false;
 };

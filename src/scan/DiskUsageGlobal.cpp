@@ -4,10 +4,6 @@
 
 #include <QDateTime>
 
-#include <QLoggingCategory>
-
-Q_LOGGING_CATEGORY(lcScanRecords, "tallyroot.scan", QtInfoMsg)
-
 namespace DiskUsageGlobal {
 
 QString sizeText(double bytes)
@@ -24,10 +20,8 @@ QString sizeText(double bytes)
 QString lastAccessText(quint64 fileTime)
 {
     platform::CalendarTime utc;
-    if (!platform::fileTimeToCalendar(fileTime, utc)) {
-        qCDebug(lcScanRecords) << "Error";
+    if (!platform::fileTimeToCalendar(fileTime, utc))
         return {};
-    }
     const QDateTime shown(QDate(utc.year, utc.month, utc.day),
                           QTime(utc.hour, utc.minute, utc.second, utc.millisecond));
     return shown.toString(Qt::TextDate);
@@ -37,12 +31,6 @@ QString extensionKey(const QString& fileName)
 {
     const qsizetype dot = fileName.indexOf('.');
     return dot < 0 ? QStringLiteral(".") : fileName.mid(dot);
-}
-
-void registerMetaTypes()
-{
-    qRegisterMetaType<QList<TFileInfo>>("QList<DiskUsageGlobal::TFileInfo>");
-    qRegisterMetaType<QList<TMainDataFile>>("QList<DiskUsageGlobal::TMainDataFile>");
 }
 
 } // namespace DiskUsageGlobal

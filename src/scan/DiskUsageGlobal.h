@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QList>
-#include <QMetaType>
 #include <QString>
 
 #include <limits>
@@ -25,34 +24,13 @@ struct TMainDataFile {
     QString fileName;
     QString sizeText;
     QString lastAccessText;
-    QString filePath; // the folder holding the file, "/"-separated
+    QString filePath; // the folder holding the file
     qint64 size = 0;
     qint32 index = 0;
 };
 
 constexpr qsizetype biggestFilesLimit = 20;
 constexpr qsizetype dataFilesLimit = 20;
-
-inline const QString lowPriority = QStringLiteral("Low Priority");
-inline const QString belowNormalPriority = QStringLiteral("Below Normal Priority");
-inline const QString normalPriority = QStringLiteral("Normal Priority");
-inline const QString aboveNormalPriority = QStringLiteral("Above Normal Priority");
-inline const QString highPriority = QStringLiteral("High Priority");
-inline const QString realTimePriority = QStringLiteral("Real Time Priority");
-
-inline const QString audioFiles = QStringLiteral("Audio Files");
-inline const QString backupFiles = QStringLiteral("Backup Files");
-inline const QString compressedFiles = QStringLiteral("Compressed Files");
-inline const QString diskImageFiles = QStringLiteral("Disk Image Files");
-inline const QString documentFiles = QStringLiteral("Document Files");
-inline const QString fontFiles = QStringLiteral("Font Files");
-inline const QString installerFiles = QStringLiteral("Installer and Executable Files");
-inline const QString otherFileTypes = QStringLiteral("Other file types");
-inline const QString rasterImageFiles = QStringLiteral("Raster Image Files");
-inline const QString vectorImageFiles = QStringLiteral("Vector Image Files");
-inline const QString videoFiles = QStringLiteral("Video Files");
-inline const QString webFiles = QStringLiteral("Web Files");
-inline const QString imageFiles3d = QStringLiteral("3D Image Files");
 
 // Bytes as " GB", " MB" or " KB" with two decimals, in binary multiples; there
 // is no byte unit, so 512 bytes read "0.50 KB".
@@ -86,10 +64,4 @@ bool offerRanked(QList<Entry>& list, Size size, qsizetype limit, Make&& make)
     return true;
 }
 
-// Lets the lists travel as arguments of queued signals.
-void registerMetaTypes();
-
 } // namespace DiskUsageGlobal
-
-Q_DECLARE_METATYPE(DiskUsageGlobal::TFileInfo)
-Q_DECLARE_METATYPE(DiskUsageGlobal::TMainDataFile)

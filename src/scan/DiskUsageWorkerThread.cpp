@@ -1,13 +1,12 @@
 #include "DiskUsageWorkerThread.h"
 
+#include "ScanLog.h"
 #include "platform/NativeText.h"
 
+#include <QDir>
 #include <QFileInfo>
-#include <QLoggingCategory>
 
 #include <algorithm>
-
-Q_LOGGING_CATEGORY(lcWorker, "tallyroot.scan", QtInfoMsg)
 
 using DiskUsageGlobal::addSaturating;
 using DiskUsageGlobal::TFileInfo;
@@ -29,9 +28,7 @@ struct DiskUsageWorkerThread::Frame {
 DiskUsageWorkerThread::DiskUsageWorkerThread(QObject* parent, ScanRequest scanRequest)
     : QThread(parent)
     , request(std::move(scanRequest))
-{
-    DiskUsageGlobal::registerMetaTypes();
-}
+{}
 
 DiskUsageWorkerThread::~DiskUsageWorkerThread() = default;
 
@@ -58,13 +55,13 @@ void DiskUsageWorkerThread::run()
     QString name = QFileInfo(request.folder).fileName();
     if (name.isEmpty())
         name = request.folder;
-    qCDebug(lcWorker).noquote() << "folderName:" << name;
+    qCDebug(lcScan).noquote() << "folderName:" << name;
     auto built = std::make_shared<ScanTree>(request.folder, platform::toNative(name));
     tree = built.get();
     result.tree = std::move(built);
     const int readers =
         request.readers > 0 ? request.readers : ScanRequest::readersFor(request.folder);
-    qCDebug(lcWorker) << "readers:" << readers;
+    qCDebug(lcScan) << "readers:" << readers;
     {
         FolderReadAhead readAhead(request.folder, readers, exclusion(), &entriesListed);
         walk(readAhead);
@@ -192,7 +189,8 @@ bool DiskUsageWorkerThread::addChildren(const FolderReadAhead::Folder& folder, I
 void DiskUsageWorkerThread::addEntry(FolderReadAhead& readAhead, std::vector<Frame>& stack)
 {
     itemCount.store(++items, std::memory_order_relaxed);
-    emit updateTotalItemScan(items);
+    if (request.atEntry)
+        request.atEntry(items);
     Frame& frame = stack.back();
     const Index node = tree->node(frame.node).firstChild + Index(frame.nextEntry);
     const FolderReadAhead::Entry& entry = frame.folder->entries[frame.nextEntry++];
@@ -203,8 +201,8 @@ void DiskUsageWorkerThread::addEntry(FolderReadAhead& readAhead, std::vector<Fra
     FolderReadAhead::FolderPtr child = std::move(frame.folder->subfolders[frame.nextSubfolder++]);
     if (child->excluded) {
         ++result.excludedFolders;
-        if (lcWorker().isDebugEnabled() && !inExcludedOneDrive(tree->path(node)))
-            qCDebug(lcWorker).noquote()
+        if (lcScan().isDebugEnabled() && !inExcludedOneDrive(tree->path(node)))
+            qCDebug(lcScan).noquote()
                 << "exclude path 1:" << excludingEntry(tree->path(node))->path;
         return;
     }
@@ -219,7 +217,7 @@ void DiskUsageWorkerThread::addFile(Frame& frame, const FolderReadAhead::Entry& 
 {
     ++frame.files;
     addSaturating(frame.size, quint64(entry.size));
-    if (entry.linkedFile == 0 || linkedFilesSeen.insert(entry.linkedFile).second)
+    if (entry.linkedFile == 0 || linkedFilesSeen.insert(entry.linkedFile))
         addSaturating(frame.onDisk, quint64(entry.allocated));
 
     QList<TFileInfo>& biggest = result.biggestFiles;
@@ -252,7 +250,7 @@ void DiskUsageWorkerThread::addDataFile(Index file)
                 return TMainDataFile{tree->nameText(file),
                                      DiskUsageGlobal::sizeText(double(size)),
                                      DiskUsageGlobal::lastAccessText(node.lastAccessTime),
-                                     QFileInfo(tree->path(file)).path(),
+                                     QDir::toNativeSeparators(QFileInfo(tree->path(file)).path()),
                                      size,
                                      index};
             });

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "CategoryMatcher.h"
+#include "FileIdSet.h"
 #include "FolderReadAhead.h"
 #include "ScanRequest.h"
 #include "ScanResult.h"
@@ -9,7 +10,6 @@
 
 #include <atomic>
 #include <optional>
-#include <unordered_set>
 #include <vector>
 
 // Walks one folder tree on its own thread, with readers listing folders ahead
@@ -39,7 +39,6 @@ signals:
     void updatePath(QString path);
     void updateTotalSubFolder(int total);
     void updateScanProgress();
-    void updateTotalItemScan(int totalItem);
 
 protected:
     void run() override;
@@ -75,6 +74,6 @@ private:
     int dataFileIndex = 100;
     quint64 sizeFloor = 0;
     // Files of several names met so far: the first place counts what they take.
-    std::unordered_set<std::uint64_t> linkedFilesSeen;
+    FileIdSet linkedFilesSeen;
     std::optional<CategoryMatcher> matcher;
 };

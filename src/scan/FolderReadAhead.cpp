@@ -1,13 +1,10 @@
 #include "FolderReadAhead.h"
 
+#include "ScanLog.h"
 #include "platform/NativeText.h"
-
-#include <QLoggingCategory>
 
 #include <algorithm>
 #include <chrono>
-
-Q_LOGGING_CATEGORY(lcReadAhead, "tallyroot.readahead", QtInfoMsg)
 
 namespace {
 
@@ -18,7 +15,7 @@ constexpr std::size_t lowBytesHeld = maxBytesHeld / 4 * 3;
 
 std::size_t foldersToHold()
 {
-    return std::clamp<std::size_t>(platform::DirectoryListing::openLimit() / 4, 16, 4096);
+    return std::clamp<std::size_t>(platform::DirectoryListing::raiseOpenLimit() / 4, 16, 4096);
 }
 
 } // namespace
@@ -30,7 +27,7 @@ FolderReadAhead::FolderReadAhead(const QString& root, int readerCount, Exclusion
     , readingAhead(readerCount > 1)
     , maxFoldersHeld(foldersToHold())
     , lowFoldersHeld(maxFoldersHeld / 4 * 3)
-    , maxListingsOpen(platform::DirectoryListing::openLimit() / 2)
+    , maxListingsOpen(platform::DirectoryListing::raiseOpenLimit() / 2)
     , listingsOpen(std::make_shared<std::atomic<std::size_t>>(0))
     , rootFolder(std::make_shared<Folder>())
 {
@@ -50,13 +47,13 @@ FolderReadAhead::~FolderReadAhead()
         reader.join();
     free(std::move(pending));
     free({std::move(rootFolder)});
-    qCDebug(lcReadAhead) << "readers:" << readers.size()
-                         << "read by readers:" << counters.readByReaders.load()
-                         << "read by the walk:" << counters.readByWalk.load()
-                         << "walk waits:" << counters.walkWaits.load()
-                         << "waited ms:" << counters.walkWaitNanoseconds.load() / 1000000
-                         << "reader waits for room:" << counters.readerWaitsForRoom.load()
-                         << "reader waits for work:" << counters.readerWaitsForWork.load();
+    qCDebug(lcScan) << "readers:" << readers.size()
+                    << "read by readers:" << counters.readByReaders.load()
+                    << "read by the walk:" << counters.readByWalk.load()
+                    << "walk waits:" << counters.walkWaits.load()
+                    << "waited ms:" << counters.walkWaitNanoseconds.load() / 1000000
+                    << "reader waits for room:" << counters.readerWaitsForRoom.load()
+                    << "reader waits for work:" << counters.readerWaitsForWork.load();
 }
 
 void FolderReadAhead::take(Folder& folder)
@@ -70,8 +67,12 @@ void FolderReadAhead::take(Folder& folder)
     if (state == Folder::Read)
         return;
     const auto start = std::chrono::steady_clock::now();
-    while ((state = folder.state.load(std::memory_order_acquire)) != Folder::Read)
-        folder.state.wait(state, std::memory_order_acquire);
+    {
+        std::unique_lock lock(walkMutex);
+        walkWaiting = true;
+        walkWake.wait(lock, [&folder] { return folder.state.load() == Folder::Read; });
+        walkWaiting = false;
+    }
     ++counters.walkWaits;
     counters.walkWaitNanoseconds +=
         std::uint64_t(std::chrono::nanoseconds(std::chrono::steady_clock::now() - start).count());
@@ -377,6 +378,13 @@ void FolderReadAhead::read(Folder& folder)
     bytesHeld.fetch_add(folder.bytes);
     if (readingAhead)
         makeKnown(folder);
-    folder.state.store(Folder::Read, std::memory_order_release);
-    folder.state.notify_all();
+    folder.state.store(Folder::Read);
+    // The walk goes to sleep under its lock: taking it once makes sure the
+    // wake does not come before the sleep.
+    if (walkWaiting.load()) {
+        {
+            std::lock_guard lock(walkMutex);
+        }
+        walkWake.notify_one();
+    }
 }

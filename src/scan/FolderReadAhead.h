@@ -160,7 +160,7 @@ private:
     std::atomic<std::size_t> bytesHeld{0};
 
     // Only the folders waiting to be read, and the readers asleep, go under
-    // the lock; the walk waits on a folder's own state.
+    // the lock; the walk waiting for a folder has a lock of its own.
     std::mutex mutex;
     std::condition_variable readerWake;
     // A heap: the folder the walk meets first on top. Folders the walk read
@@ -168,6 +168,9 @@ private:
     std::vector<FolderPtr> pending;
     std::atomic<int> idleReaders{0};
     std::vector<std::thread> readers;
+    std::mutex walkMutex;
+    std::condition_variable walkWake;
+    std::atomic<bool> walkWaiting{false};
 
     // Where the time goes, for the debug line at the end.
     struct Counters {

@@ -1,27 +1,28 @@
 #include "ScanRequest.h"
 
-#include "settings/ExclusionSettings.h"
-#include "settings/FileTypeCatalogue.h"
 #include "settings/SettingsStore.h"
 
 #include "platform/NativeText.h"
 #include "platform/Volumes.h"
 
+#include <QDir>
 #include <QThread>
 
 #include <algorithm>
 
-ScanRequest ScanRequest::fromSettings(const QString& folder)
+// Paths with the system's separators, as the walk joins them, so that an
+// exclusion picked as "C:/Temp" leaves out C:\Temp.
+ScanRequest ScanRequest::of(const QString& folder, const Settings& settings)
 {
     ScanRequest request;
-    request.folder = folder;
-    for (const ExcludeEntry& entry : ExclusionSettings::excludeList()) {
+    request.folder = QDir::toNativeSeparators(folder);
+    for (const ExcludeEntry& entry : settings.exclusions) {
         if (entry.enable)
-            request.exclusions.append(entry);
+            request.exclusions.append({true, QDir::toNativeSeparators(entry.path)});
     }
-    request.oneDrivePath = SettingsStore::oneDrivePath();
-    request.excludeOneDrive = ExclusionSettings::excludeOneDriveFolder() != 0;
-    request.catalogue = FileTypeCatalogue::instance();
+    request.oneDrivePath = QDir::toNativeSeparators(SettingsStore::oneDrivePath());
+    request.excludeOneDrive = settings.excludeOneDrive;
+    request.catalogue = settings.catalogue;
     return request;
 }
 

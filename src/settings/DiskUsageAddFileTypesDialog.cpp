@@ -8,17 +8,11 @@ DiskUsageAddFileTypesDialog::DiskUsageAddFileTypesDialog(QWidget* parent)
 {
     ui->setupUi(this);
     setAttribute(Qt::WA_DeleteOnClose);
+    connect(ui->CancelButton, &QAbstractButton::clicked, this, &QDialog::close);
+    connect(ui->OKButton, &QAbstractButton::clicked, this, [this] {
+        emit newExtension(ui->FileTypeLineEdit->text());
+        close();
+    });
 }
 
 DiskUsageAddFileTypesDialog::~DiskUsageAddFileTypesDialog() = default;
-
-void DiskUsageAddFileTypesDialog::on_CancelButton_clicked()
-{
-    close();
-}
-
-void DiskUsageAddFileTypesDialog::on_OKButton_clicked()
-{
-    emit newExtension(ui->FileTypeLineEdit->text());
-    close();
-}

@@ -21,10 +21,6 @@ public:
 signals:
     void newExtension(const QString& extension);
 
-private slots:
-    void on_CancelButton_clicked();
-    void on_OKButton_clicked();
-
 private:
     std::unique_ptr<Ui::DiskUsageAddFileTypesDialog> ui;
 };

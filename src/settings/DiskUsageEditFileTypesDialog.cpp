@@ -3,10 +3,8 @@
 #include "DiskUsageAddFileTypesDialog.h"
 #include "ui_DiskUsageEditFileTypesDialog.h"
 
-#include <QLoggingCategory>
+#include "SettingsLog.h"
 #include <QMessageBox>
-
-Q_LOGGING_CATEGORY(lcEditor, "tallyroot.options", QtInfoMsg)
 
 DiskUsageEditFileTypesDialog::DiskUsageEditFileTypesDialog(QWidget* parent)
     : QDialog(parent)
@@ -14,6 +12,11 @@ DiskUsageEditFileTypesDialog::DiskUsageEditFileTypesDialog(QWidget* parent)
 {
     ui->setupUi(this);
     setAttribute(Qt::WA_DeleteOnClose);
+    connect(ui->DeleteButton, &QAbstractButton::clicked, this,
+            &DiskUsageEditFileTypesDialog::onDelete);
+    connect(ui->CancelButton, &QAbstractButton::clicked, this, &QDialog::close);
+    connect(ui->SaveButton, &QAbstractButton::clicked, this, &DiskUsageEditFileTypesDialog::onSave);
+    connect(ui->AddButton, &QAbstractButton::clicked, this, &DiskUsageEditFileTypesDialog::onAdd);
 }
 
 DiskUsageEditFileTypesDialog::~DiskUsageEditFileTypesDialog() = default;
@@ -38,9 +41,9 @@ void DiskUsageEditFileTypesDialog::setValue(const QString& displayText)
 }
 
 // Deliberately lenient: no trimming, no change of case, duplicates allowed.
-void DiskUsageEditFileTypesDialog::on_newFileExtensionValue(const QString& fileType)
+void DiskUsageEditFileTypesDialog::addExtension(const QString& fileType)
 {
-    qCDebug(lcEditor).noquote() << "on_newFileExtensionValue:" << fileType;
+    qCDebug(lcSettings).noquote() << "on_newFileExtensionValue:" << fileType;
     if (fileType.isEmpty())
         return;
     const QString extension = fileType.startsWith('.') ? fileType : QStringLiteral(".") + fileType;
@@ -48,7 +51,7 @@ void DiskUsageEditFileTypesDialog::on_newFileExtensionValue(const QString& fileT
     ui->SaveButton->setEnabled(true);
 }
 
-void DiskUsageEditFileTypesDialog::on_DeleteButton_clicked()
+void DiskUsageEditFileTypesDialog::onDelete()
 {
     QTreeWidgetItem* item = ui->treeWidget->currentItem();
     if (!item)
@@ -63,14 +66,9 @@ void DiskUsageEditFileTypesDialog::on_DeleteButton_clicked()
     ui->SaveButton->setEnabled(true);
 }
 
-void DiskUsageEditFileTypesDialog::on_CancelButton_clicked()
-{
-    close();
-}
-
 // With every extension deleted the text ends in " (", which reads back as a
 // category with none.
-void DiskUsageEditFileTypesDialog::on_SaveButton_clicked()
+void DiskUsageEditFileTypesDialog::onSave()
 {
     QStringList extensions;
     for (int row = 0; row < ui->treeWidget->topLevelItemCount(); ++row)
@@ -82,10 +80,10 @@ void DiskUsageEditFileTypesDialog::on_SaveButton_clicked()
     close();
 }
 
-void DiskUsageEditFileTypesDialog::on_AddButton_clicked()
+void DiskUsageEditFileTypesDialog::onAdd()
 {
     auto* dialog = new DiskUsageAddFileTypesDialog(this);
     connect(dialog, &DiskUsageAddFileTypesDialog::newExtension, this,
-            &DiskUsageEditFileTypesDialog::on_newFileExtensionValue);
+            &DiskUsageEditFileTypesDialog::addExtension);
     dialog->show();
 }

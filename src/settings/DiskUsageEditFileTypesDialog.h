@@ -19,20 +19,17 @@ public:
     ~DiskUsageEditFileTypesDialog() override;
 
     void setValue(const QString& displayText);
-    // Connected by hand; not a slot, which the by-name connection would take
-    // for one of an object called "newFileExtensionValue".
-    void on_newFileExtensionValue(const QString& fileType);
+    // What the add dialog hands over, as typed.
+    void addExtension(const QString& fileType);
 
 signals:
     void newValue(const QString& value);
 
-private slots:
-    void on_DeleteButton_clicked();
-    void on_CancelButton_clicked();
-    void on_SaveButton_clicked();
-    void on_AddButton_clicked();
-
 private:
+    void onDelete();
+    void onSave();
+    void onAdd();
+
     std::unique_ptr<Ui::DiskUsageEditFileTypesDialog> ui;
     QString categoryName;
 };

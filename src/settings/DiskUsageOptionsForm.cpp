@@ -3,43 +3,16 @@
 #include "DiskUsageEditFileTypesDialog.h"
 #include "ExclusionSettings.h"
 #include "FileTypeCatalogue.h"
+#include "SettingsLog.h"
 #include "SettingsStore.h"
+#include "desktop/ShellActions.h"
 #include "platform/Shell.h"
 #include "platform/UserFolders.h"
-#include "results/ShellActions.h"
 #include "ui_DiskUsageOptionsForm.h"
 
-#include <QLoggingCategory>
 #include <QMessageBox>
 
-Q_LOGGING_CATEGORY(lcOptions, "tallyroot.options", QtInfoMsg)
-
 namespace {
-
-// The icon of a built-in category, found by its name in any case; none for
-// other names.
-QIcon categoryIcon(const QString& name)
-{
-    static const std::pair<const char*, const char*> icons[] = {
-        {"Raster Image Files", "RasterImage16"},
-        {"3D Image Files", "3dImages16"},
-        {"Audio Files", "Audio16"},
-        {"Backup Files", "Backup16"},
-        {"Compressed Files", "CompressedFiles16"},
-        {"Disk Image Files", "DiskImage16"},
-        {"Document Files", "Document16"},
-        {"Font Files", "Font16"},
-        {"Installer and Executable Files", "Install16"},
-        {"Vector Image Files", "VectorImage16"},
-        {"Video Files", "Video16"},
-        {"Web Files", "WebFile16"},
-    };
-    for (const auto& [category, icon] : icons) {
-        if (name.compare(QLatin1String(category), Qt::CaseInsensitive) == 0)
-            return QIcon(QStringLiteral(":/resources/images/%1.png").arg(QLatin1String(icon)));
-    }
-    return {};
-}
 
 bool isChecked(const QTreeWidgetItem* item)
 {
@@ -77,22 +50,37 @@ DiskUsageOptionsForm::DiskUsageOptionsForm(QWidget* parent)
     ui->setupUi(this);
     ui->tabWidget->setCurrentIndex(0);
     ui->saveButton->setEnabled(false);
+    connect(ui->saveButton, &QAbstractButton::clicked, this, &DiskUsageOptionsForm::save);
     // A check box toggled from the keyboard changes a tree without a click.
-    connect(ui->treeWidget, &QTreeWidget::itemChanged, this,
-            [this](QTreeWidgetItem* item) { on_treeWidget_itemClicked(item, 0); });
-    connect(ui->excludeTreeWidget, &QTreeWidget::itemChanged, this,
-            [this](QTreeWidgetItem* item) { on_excludeTreeWidget_itemClicked(item, 0); });
+    for (const auto& signal : {&QTreeWidget::itemClicked, &QTreeWidget::itemChanged}) {
+        connect(ui->treeWidget, signal, this, &DiskUsageOptionsForm::onFileTypeClicked);
+        connect(ui->excludeTreeWidget, signal, this,
+                &DiskUsageOptionsForm::onExcludedFolderClicked);
+    }
+    connect(ui->excludeOneDrivecheckBox, &QCheckBox::toggled, this,
+            &DiskUsageOptionsForm::onOneDriveToggled);
+    connect(ui->excludeRemoveButton, &QAbstractButton::clicked, this,
+            &DiskUsageOptionsForm::onRemoveFolder);
+    connect(ui->openOneDriveButton, &QAbstractButton::clicked, this,
+            &DiskUsageOptionsForm::onOpenOneDrive);
+    connect(ui->excludeAddButton, &QAbstractButton::clicked, this,
+            &DiskUsageOptionsForm::onAddFolder);
+    connect(ui->FileTypesEditButton, &QAbstractButton::clicked, this,
+            &DiskUsageOptionsForm::onEditFileType);
+    connect(ui->FileTypesRestoreButton, &QAbstractButton::clicked, this,
+            &DiskUsageOptionsForm::onRestoreFileTypes);
 }
 
 DiskUsageOptionsForm::~DiskUsageOptionsForm() = default;
 
-void DiskUsageOptionsForm::loadSettings()
+void DiskUsageOptionsForm::edit(const Settings& settings)
 {
-    ExclusionSettings::load();
-    exclusions = ExclusionSettings::excludeList();
+    loaded = false;
+    stored = settings;
+    exclusions = settings.exclusions;
     showExclusions();
-    showFileTypes(FileTypeCatalogue::instance());
-    ui->excludeOneDrivecheckBox->setChecked(ExclusionSettings::excludeOneDriveFolder() == 1);
+    showFileTypes(settings.catalogue);
+    ui->excludeOneDrivecheckBox->setChecked(settings.excludeOneDrive);
     const QString oneDrive = SettingsStore::oneDrivePath();
     ui->oneDriveInfoLabel->setText(oneDrive);
     ui->openOneDriveButton->setEnabled(!oneDrive.isEmpty());
@@ -110,9 +98,9 @@ void DiskUsageOptionsForm::showFileTypes(const QList<FileTypeCategory>& catalogu
 {
     ui->treeWidget->clear();
     for (const FileTypeCategory& category : catalogue) {
-        ui->treeWidget->addTopLevelItem(checkableItem(FileTypeCatalogue::displayText(category),
-                                                      category.checked,
-                                                      categoryIcon(category.name)));
+        ui->treeWidget->addTopLevelItem(
+            checkableItem(FileTypeCatalogue::displayText(category), category.checked,
+                          QIcon(FileTypeCatalogue::iconNamed(category.name))));
     }
 }
 
@@ -129,34 +117,24 @@ void DiskUsageOptionsForm::showExclusions()
     ui->excludeRemoveButton->setEnabled(true);
 }
 
-void DiskUsageOptionsForm::on_saveButton_clicked()
-{
-    save();
-}
-
-// The catalogue and the OneDrive flag take the page's state once it is
-// written; the exclusions are read back from the store, so the scan uses what
-// is stored (with any older values a shorter list left behind).
+// The settings handed back are read back from the store, so that scans use
+// what is stored (with any older folders a shorter list left behind).
 bool DiskUsageOptionsForm::save()
 {
-    QList<FileTypeCategory> catalogue;
-    for (const QTreeWidgetItem* item : topLevelItems(ui->treeWidget))
-        FileTypeCatalogue::appendStored(storedText(item), catalogue);
-    const bool excludeOneDrive = ui->excludeOneDrivecheckBox->isChecked();
     SettingsStore::Batch batch;
-    writeSettings(excludeOneDrive);
+    writeSettings(ui->excludeOneDrivecheckBox->isChecked());
     if (!batch.finish()) {
+        qCWarning(lcSettings).noquote() << "not saved:" << SettingsStore::location();
         QMessageBox::warning(this, QStringLiteral("Settings not saved"),
                              QStringLiteral("The settings could not be written to %1. The "
                                             "changes are still on this page, unsaved.")
                                  .arg(SettingsStore::location()));
         return false;
     }
-    FileTypeCatalogue::instance() = catalogue;
-    ExclusionSettings::excludeOneDriveFolder() = excludeOneDrive ? 1 : 0;
-    ExclusionSettings::load();
-    exclusions = ExclusionSettings::excludeList();
+    stored = Settings::load();
+    exclusions = stored.exclusions;
     ui->saveButton->setEnabled(false);
+    emit saved(stored);
     return true;
 }
 
@@ -174,13 +152,13 @@ void DiskUsageOptionsForm::writeSettings(bool excludeOneDrive)
     SettingsStore::writeDword(QStringLiteral("ExcludeOneDriveFolder"), excludeOneDrive ? 1 : 0);
 }
 
-// The catalogue keeps its flags until "Save"; a click only tells whether the
-// tree now differs from it.
-void DiskUsageOptionsForm::on_treeWidget_itemClicked(QTreeWidgetItem* item, int)
+// The settings keep their flags until "Save"; a click only tells whether the
+// tree now differs from them.
+void DiskUsageOptionsForm::onFileTypeClicked(QTreeWidgetItem* item)
 {
     if (!loaded || !item)
         return;
-    for (const FileTypeCategory& category : std::as_const(FileTypeCatalogue::instance())) {
+    for (const FileTypeCategory& category : std::as_const(stored.catalogue)) {
         if (item->text(0).contains(category.name)) {
             if (isChecked(item) != category.checked)
                 ui->saveButton->setEnabled(true);
@@ -189,7 +167,7 @@ void DiskUsageOptionsForm::on_treeWidget_itemClicked(QTreeWidgetItem* item, int)
     }
 }
 
-void DiskUsageOptionsForm::on_excludeTreeWidget_itemClicked(QTreeWidgetItem* item, int)
+void DiskUsageOptionsForm::onExcludedFolderClicked(QTreeWidgetItem* item)
 {
     if (!loaded || !item)
         return;
@@ -202,26 +180,26 @@ void DiskUsageOptionsForm::on_excludeTreeWidget_itemClicked(QTreeWidgetItem* ite
     }
 }
 
-void DiskUsageOptionsForm::on_excludeOneDrivecheckBox_toggled(bool)
+void DiskUsageOptionsForm::onOneDriveToggled()
 {
     if (loaded)
         ui->saveButton->setEnabled(true);
 }
 
-void DiskUsageOptionsForm::on_excludeAddButton_clicked()
+void DiskUsageOptionsForm::onAddFolder()
 {
     if (!loaded)
         return;
     const QString path = platform::browseForFolder(
         QStringLiteral("Select folder to exclude..."),
         QString::fromStdWString(platform::specialFolderPath(platform::SpecialFolder::Profile)));
-    qCDebug(lcOptions).noquote() << "folderPath:" << path;
+    qCDebug(lcSettings).noquote() << "folderPath:" << path;
     if (path.isEmpty())
         return;
     // A full list or a folder already listed drops the new one without a word.
     if (ExclusionSettings::append(exclusions, ExcludeEntry{true, path})) {
-        qCDebug(lcOptions).noquote() << "excludeFolderData.path" << path;
-        qCDebug(lcOptions).noquote() << "excludeFolderData.enable" << 1;
+        qCDebug(lcSettings).noquote() << "excludeFolderData.path" << path;
+        qCDebug(lcSettings).noquote() << "excludeFolderData.enable" << 1;
     }
     showExclusions();
     ui->saveButton->setEnabled(true);
@@ -229,7 +207,7 @@ void DiskUsageOptionsForm::on_excludeAddButton_clicked()
 
 // A removal alone leaves nothing unsaved: the stored value stays until the
 // next save.
-void DiskUsageOptionsForm::on_excludeRemoveButton_clicked()
+void DiskUsageOptionsForm::onRemoveFolder()
 {
     QTreeWidgetItem* item = ui->excludeTreeWidget->currentItem();
     if (!item)
@@ -244,34 +222,34 @@ void DiskUsageOptionsForm::on_excludeRemoveButton_clicked()
     }
 }
 
-void DiskUsageOptionsForm::on_openOneDriveButton_clicked()
+void DiskUsageOptionsForm::onOpenOneDrive()
 {
     const QString path = SettingsStore::oneDrivePath();
     if (!path.isEmpty())
-        ShellActions::exploreFolder(this, path);
+        ShellActions::exploreFolder(path, this);
 }
 
-void DiskUsageOptionsForm::on_FileTypesEditButton_clicked()
+void DiskUsageOptionsForm::onEditFileType()
 {
     QTreeWidgetItem* item = ui->treeWidget->currentItem();
     if (!item)
         return;
     auto* editor = new DiskUsageEditFileTypesDialog(this);
     connect(editor, &DiskUsageEditFileTypesDialog::newValue, this,
-            &DiskUsageOptionsForm::on_newFileTypeValue);
+            &DiskUsageOptionsForm::onFileTypeEdited);
     editor->setValue(item->text(0));
     editor->show();
 }
 
-void DiskUsageOptionsForm::on_newFileTypeValue(const QString& text)
+void DiskUsageOptionsForm::onFileTypeEdited(const QString& text)
 {
-    qCDebug(lcOptions).noquote() << "on_newFileTypeValue:" << text;
+    qCDebug(lcSettings).noquote() << "on_newFileTypeValue:" << text;
     if (QTreeWidgetItem* item = ui->treeWidget->currentItem())
         item->setText(0, text);
     ui->saveButton->setEnabled(true);
 }
 
-void DiskUsageOptionsForm::on_FileTypesRestoreButton_clicked()
+void DiskUsageOptionsForm::onRestoreFileTypes()
 {
     const int row = ui->treeWidget->currentIndex().row();
     const auto answer =
@@ -279,9 +257,7 @@ void DiskUsageOptionsForm::on_FileTypesRestoreButton_clicked()
                              QStringLiteral("Are you sure you want to restore the file types?"),
                              QMessageBox::Yes | QMessageBox::No);
     if (answer == QMessageBox::Yes) {
-        QList<FileTypeCategory> defaults;
-        FileTypeCatalogue::fillDefaults(defaults);
-        showFileTypes(defaults);
+        showFileTypes(FileTypeCatalogue::defaults());
         ui->saveButton->setEnabled(true);
     }
     if (QTreeWidgetItem* item = ui->treeWidget->topLevelItem(row))

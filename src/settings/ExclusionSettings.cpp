@@ -2,37 +2,27 @@
 
 #include "SettingsStore.h"
 
-#include <QLoggingCategory>
-
-Q_LOGGING_CATEGORY(lcExclusions, "tallyroot.exclusions", QtInfoMsg)
+#include "SettingsLog.h"
 
 namespace ExclusionSettings {
 
-QList<ExcludeEntry>& excludeList()
+QList<ExcludeEntry> load()
 {
-    static QList<ExcludeEntry> list;
-    return list;
-}
-
-quint32& excludeOneDriveFolder()
-{
-    static quint32 flag = 0;
-    return flag;
-}
-
-void load()
-{
-    QList<ExcludeEntry>& list = excludeList();
-    list.clear();
+    QList<ExcludeEntry> list;
     for (int n = 0; n < maximumFolders; ++n) {
         const auto text = SettingsStore::readString(QStringLiteral("ExludeFolder%1").arg(n));
         if (!text)
             continue;
-        qCDebug(lcExclusions).noquote() << "dataStr:" << *text;
+        qCDebug(lcSettings).noquote() << "dataStr:" << *text;
         if (const auto entry = parseStored(*text))
             append(list, *entry);
     }
-    excludeOneDriveFolder() = SettingsStore::readDword("ExcludeOneDriveFolder").value_or(0);
+    return list;
+}
+
+bool loadExcludeOneDrive()
+{
+    return SettingsStore::readDword("ExcludeOneDriveFolder").value_or(0) != 0;
 }
 
 bool append(QList<ExcludeEntry>& list, const ExcludeEntry& entry)

@@ -6,18 +6,16 @@
 
 #include <optional>
 
-// The process-wide exclusions: up to ten folders, and whether the OneDrive
-// folder is left out of scans. Read by the scan engine.
+// The folders left out of scans, up to ten, and the switch that leaves the
+// OneDrive folder out, in their stored form.
 namespace ExclusionSettings {
 
 constexpr int maximumFolders = 10;
 
-[[nodiscard]] QList<ExcludeEntry>& excludeList();
-// 1 when the OneDrive folder is left out of scans, 0 otherwise.
-[[nodiscard]] quint32& excludeOneDriveFolder();
-
-// Replaces both with what the settings store holds.
-void load();
+// The stored folders, in order.
+[[nodiscard]] QList<ExcludeEntry> load();
+// Whether the stored switch leaves the OneDrive folder out.
+[[nodiscard]] bool loadExcludeOneDrive();
 // Appends a folder unless the list is full or holds the path already, in any
 // case; true when it was appended.
 bool append(QList<ExcludeEntry>& list, const ExcludeEntry& entry);

@@ -2,11 +2,11 @@
 
 #include "SettingsStore.h"
 
-#include <QLoggingCategory>
+#include "SettingsLog.h"
 
 #include <algorithm>
-
-Q_LOGGING_CATEGORY(lcCatalogue, "tallyroot.catalogue", QtInfoMsg)
+#include <iterator>
+#include <utility>
 
 namespace FileTypeCatalogue {
 
@@ -17,17 +17,48 @@ FileTypeCategory category(const QString& name, const QStringList& extensions)
     return FileTypeCategory{name, extensions, true, 0, 0};
 }
 
-} // namespace
+// The built-in categories' icons, in catalogue order.
+constexpr std::pair<const char*, const char*> icons[] = {
+    {"3D Image Files", "3dImages16"},
+    {"Audio Files", "Audio16"},
+    {"Backup Files", "Backup16"},
+    {"Compressed Files", "CompressedFiles16"},
+    {"Disk Image Files", "DiskImage16"},
+    {"Document Files", "Document16"},
+    {"Font Files", "Font16"},
+    {"Installer and Executable Files", "Install16"},
+    {"Raster Image Files", "RasterImage16"},
+    {"Vector Image Files", "VectorImage16"},
+    {"Video Files", "Video16"},
+    {"Web Files", "WebFile16"},
+};
+constexpr qsizetype documentIcon = 5;
 
-QList<FileTypeCategory>& instance()
+QString iconResource(const char* icon)
 {
-    static QList<FileTypeCategory> catalogue;
-    return catalogue;
+    return QStringLiteral(":/resources/images/%1.png").arg(QLatin1String(icon));
 }
 
-void fillDefaults(QList<FileTypeCategory>& catalogue)
+} // namespace
+
+QString iconNamed(const QString& name)
 {
-    catalogue = {
+    for (const auto& [category, icon] : icons) {
+        if (name.compare(QLatin1String(category), Qt::CaseInsensitive) == 0)
+            return iconResource(icon);
+    }
+    return {};
+}
+
+QString iconAt(qsizetype index)
+{
+    const bool builtIn = index >= 0 && index < qsizetype(std::size(icons));
+    return iconResource(icons[builtIn ? index : documentIcon].second);
+}
+
+QList<FileTypeCategory> defaults()
+{
+    return {
         category("3D Image Files", {".3dm", ".blend", ".max"}),
         category("Audio Files",
                  {".aac", ".aif", ".iff", ".m3u", ".m4a", ".m4p", ".mid", ".mp3", ".mpa", ".oga",
@@ -50,12 +81,12 @@ void fillDefaults(QList<FileTypeCategory>& catalogue)
     };
 }
 
-bool load(QList<FileTypeCategory>& catalogue)
+QList<FileTypeCategory> load()
 {
-    catalogue.clear();
-    qCDebug(lcCatalogue) << "readFileTypeData";
+    QList<FileTypeCategory> catalogue;
+    qCDebug(lcSettings) << "readFileTypeData";
     const quint32 stored = SettingsStore::readDword("FileTypeDataCount").value_or(0);
-    qCDebug(lcCatalogue) << "fileTypeDataCount:" << stored;
+    qCDebug(lcSettings) << "fileTypeDataCount:" << stored;
     // A count larger than the values there are would only read missing ones.
     const auto count = static_cast<qint32>(std::min(stored, SettingsStore::storedValueCount()));
     for (qint32 index = 0; index < count; ++index) {
@@ -63,7 +94,7 @@ bool load(QList<FileTypeCategory>& catalogue)
                 SettingsStore::readString(QStringLiteral("FileTypeData%1").arg(index)))
             appendStored(*text, catalogue);
     }
-    return !catalogue.isEmpty();
+    return catalogue;
 }
 
 void appendStored(const QString& text, QList<FileTypeCategory>& catalogue)

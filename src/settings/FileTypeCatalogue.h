@@ -4,19 +4,25 @@
 
 #include <QList>
 
-// The process-wide ordered list of file-type categories: loaded from the
-// settings store, edited by the options page, read by the scan engine.
+// The ordered list of file-type categories that data files are sorted into:
+// its built-in form, and its stored form in the settings store.
 namespace FileTypeCatalogue {
 
-[[nodiscard]] QList<FileTypeCategory>& instance();
-
-// Replaces the list's content with the twelve built-in categories.
-void fillDefaults(QList<FileTypeCategory>& catalogue);
-// Clears the list and reads the stored categories; true when any was read.
-bool load(QList<FileTypeCategory>& catalogue);
+// The twelve built-in categories.
+[[nodiscard]] QList<FileTypeCategory> defaults();
+// The stored categories; none when nothing is stored.
+[[nodiscard]] QList<FileTypeCategory> load();
 // Parses one stored "1;Name (.a, .b)" text and appends the category; a text
 // without ";" or starting with it appends nothing.
 void appendStored(const QString& text, QList<FileTypeCategory>& catalogue);
+
+// The resource of a category's 16-pixel icon, from one table of the built-in
+// categories: by name, compared without regard to case, as the options page
+// shows it (empty for a name of no built-in category); by place in the
+// catalogue, as the data files of a scan show it (the document icon past the
+// twelfth). The two agree for the built-in catalogue.
+[[nodiscard]] QString iconNamed(const QString& name);
+[[nodiscard]] QString iconAt(qsizetype index);
 
 // "Font Files (.fnt, .fon, .otf, .ttf)"
 [[nodiscard]] QString displayText(const FileTypeCategory& category);

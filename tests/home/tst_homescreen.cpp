@@ -9,10 +9,12 @@
 #include "home/DiskUsageForm.h"
 #include "home/DiskUsageItemInfoForm.h"
 #include "home/DriveInfo.h"
+#include "home/RecentFolders.h"
 #include "home/UpgradeDialog.h"
 #include "home/WebLinks.h"
 #include "results/DiskUsageScanProgressForm.h"
 #include "settings/DiskUsageOptionsForm.h"
+#include "settings/Settings.h"
 #include "settings/SettingsStore.h"
 
 #include <QCheckBox>
@@ -64,6 +66,8 @@ private:
     static bool goBack(DiskUsageForm& form);
 
     IsolatedSettings isolated;
+    // What the main window would hold.
+    Settings settings = Settings::defaults();
     QTemporaryDir dir;
     OpenedUrls opened;
 };
@@ -158,7 +162,7 @@ void TestHomeScreen::recentRowsShowTheStoredFoldersThatExist()
     storeRecent({folder("alpha"), gone, folder("alpha/report.txt"), QString(), folder("beta"),
                  folder("one")});
 
-    DiskUsageForm form;
+    DiskUsageForm form(settings);
     form.show();
     QCOMPARE(form.recentFolders(),
              QStringList({folder("alpha"), folder("alpha/report.txt"), folder("beta")}));
@@ -179,7 +183,7 @@ void TestHomeScreen::recentRowsShowTheStoredFoldersThatExist()
 void TestHomeScreen::aRecentRowScansAndBackReturnsHome()
 {
     storeRecent({folder("alpha"), folder("beta")});
-    DiskUsageForm form;
+    DiskUsageForm form(settings);
     form.show();
     QSignalSpy toolbar(&form, &DiskUsageForm::showToolbarSignal);
 
@@ -214,7 +218,7 @@ void TestHomeScreen::aRowWhoseFolderWasDeletedLeavesTheList()
     const QString doomed = folder("doomed");
     QVERIFY(QDir().mkpath(doomed));
     storeRecent({doomed, folder("beta")});
-    DiskUsageForm form;
+    DiskUsageForm form(settings);
     form.show();
     QCOMPARE(form.recentFolders().size(), 2);
 
@@ -237,7 +241,7 @@ void TestHomeScreen::aSixthFolderIsWrittenButNotReadBack()
     storeRecent(five);
     QString documents;
     {
-        DiskUsageForm form;
+        DiskUsageForm form(settings);
         form.show();
         QCOMPARE(form.recentFolders(), five);
         setTab(form, 1);
@@ -251,7 +255,7 @@ void TestHomeScreen::aSixthFolderIsWrittenButNotReadBack()
         QVERIFY(finishScan(form));
         QVERIFY(goBack(form));
     }
-    DiskUsageForm restarted;
+    DiskUsageForm restarted(settings);
     QCOMPARE(restarted.recentFolders(), QStringList({documents}) + five.mid(0, 4));
 }
 
@@ -260,7 +264,7 @@ void TestHomeScreen::theFolderPickerAndTheSameFolderInOtherCase()
     if (QSysInfo::kernelType() == QLatin1String("winnt"))
         QSKIP("the Windows folder picker is the shell's own window; the picker is driven on Linux");
     storeRecent({folder("beta"), folder("alpha")});
-    DiskUsageForm form;
+    DiskUsageForm form(settings);
     form.show();
 
     // Cancelled: nothing starts.
@@ -308,7 +312,7 @@ bool iconFits(const QLabel* label)
 void TestHomeScreen::driveCardsShowTheDisks()
 {
     const QList<DriveInfo> drives = DriveInfo::readDrives();
-    DiskUsageForm form;
+    DiskUsageForm form(settings);
     form.show();
     const auto cards = form.findChildren<DiskUsageItemInfoForm*>();
     QCOMPARE(cards.size(), drives.size());
@@ -361,7 +365,7 @@ void TestHomeScreen::folderCardsShowTheSpecialFolders()
     const bool windows = QSysInfo::kernelType() == QLatin1String("winnt");
     // On Linux only the folders that exist: here Documents and the home folder.
     QVERIFY(QDir().mkpath(QDir(dir.path()).filePath("home/Music")));
-    DiskUsageForm form;
+    DiskUsageForm form(settings);
     const auto cards = form.findChildren<DiskUsageFolderInfoForm*>();
     QCOMPARE(cards.size(), windows ? 6 : 3);
     const QString documents = cards.first()->findChild<QLabel*>("folderPathLabel")->text();
@@ -460,7 +464,7 @@ void TestHomeScreen::closingDuringAReleaseWaitsForIt()
 
 void TestHomeScreen::toolbarButtons()
 {
-    DiskUsageForm form;
+    DiskUsageForm form(settings);
     form.show();
     QTest::mouseClick(form.findChild<QPushButton*>("websiteButton"), Qt::LeftButton);
     QCOMPARE(opened.urls, QList<QUrl>({WebLinks::website()}));
@@ -478,7 +482,7 @@ void TestHomeScreen::toolbarButtons()
 
 void TestHomeScreen::leavingUnsavedOptionsAsksToSave()
 {
-    DiskUsageForm form;
+    DiskUsageForm form(settings);
     form.show();
     auto* tabs = form.findChild<QTabWidget*>("tabWidget");
     QCOMPARE(tabs->currentIndex(), 0);
@@ -548,7 +552,7 @@ void TestHomeScreen::aWiderWindowWidensTheMainPane()
     const int tabsBefore = tabs->width();
     // A path too long for its row is shortened to fit; the tooltip has it all.
     ClickableLabel* row = recentText(*window.findChild<DiskUsageForm*>(), 1);
-    QVERIFY(row->text() == DiskUsageForm::shortenedPath(folder(longName)) ||
+    QVERIFY(row->text() == RecentFolders::shortenedPath(folder(longName)) ||
             row->text().contains(QChar(0x2026)));
     QVERIFY(row->fontMetrics().horizontalAdvance(row->text()) <= row->contentsRect().width());
     QCOMPARE(row->toolTip(), folder(longName));

@@ -1,5 +1,5 @@
 // The same cases run against each directory-listing backend: real folders on
-// Linux, and under Wine the FindFirstFileW listing of real folders.
+// Linux, and under Wine the folder-handle listing of real folders.
 
 #include "DirectoryListing.h"
 #include "FileTime.h"
@@ -93,6 +93,22 @@ TEST_CASE(listsFilesAndFoldersWithTheirSizes)
     const DirectoryEntry& folder = entries.at(fs::path("sub folder; with.dots").native());
     CHECK(folder.isDirectory);
     CHECK(folder.size == 0);
+}
+
+// Two names of one file are told to be one file, two files are not.
+TEST_CASE(hardLinkedNamesAreOneFile)
+{
+    ScratchFolder scratch;
+    makeFile(scratch.path / "first", 100);
+    makeFile(scratch.path / "other", 100);
+    std::error_code error;
+    fs::create_hard_link(scratch.path / "first", scratch.path / "second", error);
+    CHECK(!error);
+    auto entries = listAll(DirectoryListing::open(scratch.path.native()));
+    const std::uint64_t first = entries[fs::path("first").native()].linkedFile;
+    CHECK(first != 0);
+    CHECK(entries[fs::path("second").native()].linkedFile == first);
+    CHECK(entries[fs::path("other").native()].linkedFile != first);
 }
 
 TEST_CASE(lastAccessIsAFileTime)

@@ -4,13 +4,12 @@
 #include "app/PaletteIcons.h"
 #include "platform/Shell.h"
 #include "platform/Volumes.h"
+#include "results/Columns.h"
 #include "results/DiskUsageScanInfoForm.h"
 #include "results/DiskUsageScanProgressForm.h"
-#include "results/FolderColumn.h"
+#include "results/LegendWidget.h"
 #include "results/ResultDetailsDialog.h"
 #include "results/TreemapView.h"
-#include "settings/ExclusionSettings.h"
-#include "settings/FileTypeCatalogue.h"
 
 #include <QDesktopServices>
 #include <QHeaderView>
@@ -88,8 +87,6 @@ void TestResultsScreen::initTestCase()
     // No session bus: no file manager of the developer's desktop answers.
     qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
     QDesktopServices::setUrlHandler("file", &opened, "open");
-    FileTypeCatalogue::fillDefaults(FileTypeCatalogue::instance());
-    ExclusionSettings::excludeList().clear();
     makeFile("big.iso", 5'000'000);
     for (int i = 1; i <= 12; ++i)
         makeFile(QString("docs/a%1.txt").arg(i, 2, 10, QChar('0')), i * 1000);
@@ -125,7 +122,7 @@ std::unique_ptr<DiskUsageScanProgressForm> TestResultsScreen::scanned(QString fo
     QSignalSpy finished(form.get(), &DiskUsageScanProgressForm::scanFinish);
     connect(form.get(), &DiskUsageScanProgressForm::scanFinish, this,
             [this, &form] { finalCount = child<QLabel>(form.get(), "itemScanLabel")->text(); });
-    form->startScanning(QDir::toNativeSeparators(folder));
+    form->startScanning(ScanRequest::of(folder, Settings::defaults()));
     firstLines = {child<QLabel>(form.get(), "pathLabel")->text(),
                   child<QLabel>(form.get(), "itemScanLabel")->text()};
     if (!finished.wait(20000))
@@ -406,7 +403,7 @@ void TestResultsScreen::cancelDuringAScanReturnsHome()
     QSignalSpy finished(&form, &DiskUsageScanProgressForm::scanFinish);
     QSignalSpy released(&form, &DiskUsageScanProgressForm::clearRAMStart);
     QSignalSpy home(&form, &DiskUsageScanProgressForm::backToMain);
-    form.startScanning(dir.path());
+    form.startScanning(ScanRequest::of(dir.path(), Settings::defaults()));
     auto* cancel = child<QPushButton>(form.findChild<DiskUsageScanInfoForm*>(), "pushButton");
     cancel->click();
     cancel->click();
@@ -499,7 +496,7 @@ void TestResultsScreen::aVolumeRootIsAddedUp()
     DiskUsageScanProgressForm form;
     form.show();
     QSignalSpy finished(&form, &DiskUsageScanProgressForm::scanFinish);
-    form.startScanning(root);
+    form.startScanning(ScanRequest::of(root, Settings::defaults()));
     QVERIFY(finished.wait(20000));
     auto* line = child<QLabel>(&form, "volumeSummaryLabel");
     QVERIFY(line->isVisible());
@@ -511,9 +508,7 @@ void TestResultsScreen::detailsDialogSorting()
     QList<DiskUsageGlobal::TMainDataFile> files{{"b.txt", "2.00 KB", "", "/x", 2048, 101},
                                                 {"a.txt", "1.00 KB", "", "/", 1024, 100},
                                                 {"c.txt", "3.00 KB", "", "/x/y", 3072, 102}};
-    ResultDetailsDialog dialog;
-    dialog.setEntries(&files);
-    dialog.fill();
+    ResultDetailsDialog dialog(files, nullptr);
     auto* view = child<QTreeView>(&dialog, "dataFilesTreeView");
     const auto names = [view] {
         QStringList list;
@@ -531,10 +526,7 @@ void TestResultsScreen::detailsDialogSorting()
     QVERIFY(names() == (QStringList{"a.txt", "b.txt", "c.txt"}) ||
             names() == (QStringList{"c.txt", "b.txt", "a.txt"}));
 
-    QList<DiskUsageGlobal::TMainDataFile> none;
-    ResultDetailsDialog empty;
-    empty.setEntries(&none);
-    empty.fill();
+    ResultDetailsDialog empty({}, nullptr);
     QVERIFY(!child<QToolButton>(&empty, "explorerButton")->isEnabled());
     QVERIFY(!child<QToolButton>(&empty, "openFileButton")->isEnabled());
 
@@ -565,7 +557,7 @@ void TestResultsScreen::namesMadeOfSummaryMarksShowAsTheyAre()
     QCOMPARE(marks.data().toString(), QStringLiteral("marks"));
     tree->setCurrentIndex(marks);
     QCOMPARE(visibleLegendNames(form.get()),
-             (QStringList{"marks", DiskUsageScanProgressForm::shortenedName(trap), liar}));
+             (QStringList{"marks", LegendWidget::shortenedName(trap), liar}));
     bool liarsSizeShown = false;
     for (QLabel* label : child<QWidget>(form.get(), "maxItemWidget")->findChildren<QLabel*>())
         liarsSizeShown |= label->isVisible() && label->text() == QStringLiteral("4.77 MB");

@@ -7,6 +7,7 @@
 #include "scan/VolumeReconciliation.h"
 #include "settings/ExclusionSettings.h"
 #include "settings/FileTypeCatalogue.h"
+#include "settings/Settings.h"
 #include "settings/SettingsStore.h"
 
 #include <QJsonArray>
@@ -227,8 +228,7 @@ void TestScanRecords::matcher()
 {
     QFETCH(QString, fileName);
     QFETCH(QList<int>, categories);
-    QList<FileTypeCategory> catalogue;
-    FileTypeCatalogue::fillDefaults(catalogue);
+    QList<FileTypeCategory> catalogue = FileTypeCatalogue::defaults();
     catalogue.append({"Custom", {QString::fromUtf8(".\u00e4bc")}, true, 0, 0});
     const CategoryMatcher matcher(catalogue);
 
@@ -285,15 +285,15 @@ void TestScanRecords::storedCategory()
 
 void TestScanRecords::catalogueLoadsWhatTheCountSays()
 {
-    QList<FileTypeCategory> catalogue;
-    QVERIFY(!FileTypeCatalogue::load(catalogue)); // nothing stored: the caller fills defaults
+    QVERIFY(FileTypeCatalogue::load().isEmpty()); // nothing stored: the settings take the defaults
+    QCOMPARE(Settings::load().catalogue.size(), 12);
 
     SettingsStore::writeDword("FileTypeDataCount", 3);
     SettingsStore::writeString("FileTypeData0", "1;A (.a)");
     SettingsStore::writeDword("FileTypeData1", 7); // not a string: skipped
     SettingsStore::writeString("FileTypeData2", "0;C (.c, .cc)");
     SettingsStore::writeString("FileTypeData3", "1;Stale (.s)");
-    QVERIFY(FileTypeCatalogue::load(catalogue));
+    QList<FileTypeCategory> catalogue = FileTypeCatalogue::load();
     QCOMPARE(catalogue.size(), 2);
     QCOMPARE(catalogue[0].name, QStringLiteral("A"));
     QCOMPARE(catalogue[1].extensions, (QStringList{".c", ".cc"}));
@@ -301,12 +301,12 @@ void TestScanRecords::catalogueLoadsWhatTheCountSays()
 
     // A count far beyond what is stored reads what there is, at once.
     SettingsStore::writeDword("FileTypeDataCount", 2147483647);
-    QVERIFY(FileTypeCatalogue::load(catalogue));
+    catalogue = FileTypeCatalogue::load();
     QCOMPARE(catalogue.size(), 3);
     QCOMPARE(catalogue.last().name, QStringLiteral("Stale"));
 
     SettingsStore::writeString("FileTypeDataCount", "3"); // the wrong type reads as missing
-    QVERIFY(!FileTypeCatalogue::load(catalogue));
+    QVERIFY(FileTypeCatalogue::load().isEmpty());
 }
 
 void TestScanRecords::exclusionsLoadFromTheirNumberedValues()
@@ -318,16 +318,14 @@ void TestScanRecords::exclusionsLoadFromTheirNumberedValues()
     SettingsStore::writeString("ExludeFolder6", "1;c:\\temp"); // the same folder again
     SettingsStore::writeString("ExludeFolder10", "1;G:\\NeverRead");
     SettingsStore::writeDword("ExcludeOneDriveFolder", 1);
-    ExclusionSettings::load();
-
-    const QList<ExcludeEntry>& list = ExclusionSettings::excludeList();
+    const QList<ExcludeEntry> list = ExclusionSettings::load();
     QCOMPARE(list.size(), 3);
     QCOMPARE(list[0].path, QStringLiteral("C:\\Temp"));
     QVERIFY(list[0].enable);
     QCOMPARE(list[1].path, QStringLiteral("D:\\Data"));
     QVERIFY(!list[1].enable);
     QVERIFY(!list[2].enable);
-    QCOMPARE(ExclusionSettings::excludeOneDriveFolder(), 1u);
+    QVERIFY(ExclusionSettings::loadExcludeOneDrive());
 
     QList<ExcludeEntry> full;
     for (int i = 0; i < 11; ++i)

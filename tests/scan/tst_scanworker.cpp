@@ -1,13 +1,12 @@
 #include "IsolatedSettings.h"
 #include "platform/NativeText.h"
 #include "results/CategoryModel.h"
-#include "results/FolderColumn.h"
+#include "results/Columns.h"
 #include "results/FolderTreeModel.h"
 #include "scan/DiskUsageClearRamThread.h"
 #include "scan/DiskUsageWorkerThread.h"
 #include "scan/ScanJsonWriter.h"
-#include "settings/ExclusionSettings.h"
-#include "settings/FileTypeCatalogue.h"
+#include "settings/Settings.h"
 
 #include <QBuffer>
 #include <QDir>
@@ -27,6 +26,9 @@ using namespace FolderColumn;
 
 // One scan of a folder, with everything it produced and signalled; the tree
 // shown by the models the results screen shows it by.
+// What the options page would hand over; each test starts from the defaults.
+Settings settings;
+
 struct ScanRun {
     FolderTreeModel folderModel;
     CategoryModel dataFilesModel;
@@ -40,6 +42,7 @@ struct ScanRun {
     int items = 0;
     int itemsShown = 0; // the count a screen reads once the scan has ended
     int resultReady = 0;
+    DiskUsageWorkerThread* worker = nullptr; // while the scan runs
 
     // The hooks run on the scan's thread: onItem at every entry with the entry
     // count, onPath when the walk enters a folder below the root.
@@ -47,13 +50,19 @@ struct ScanRun {
                      const std::function<void(DiskUsageWorkerThread&, int)>& onItem = {},
                      const std::function<void(const QString&)>& onPath = {}, int readers = 0)
     {
-        ScanRequest request = ScanRequest::fromSettings(path);
+        ScanRequest request = ScanRequest::of(path, settings);
         request.readers = readers;
+        request.atEntry = [this, onItem](int total) {
+            items = total;
+            if (onItem)
+                onItem(*worker, total);
+        };
         const QString oneDrive = request.oneDrivePath;
-        DiskUsageWorkerThread worker(nullptr, std::move(request));
+        DiskUsageWorkerThread thread(nullptr, std::move(request));
+        worker = &thread;
         const auto direct = Qt::DirectConnection;
         QObject::connect(
-            &worker, &DiskUsageWorkerThread::updatePath, &worker,
+            &thread, &DiskUsageWorkerThread::updatePath, &thread,
             [this, onPath](const QString& p) {
                 paths << p;
                 if (onPath)
@@ -61,26 +70,18 @@ struct ScanRun {
             },
             direct);
         QObject::connect(
-            &worker, &DiskUsageWorkerThread::updateTotalSubFolder, &worker,
+            &thread, &DiskUsageWorkerThread::updateTotalSubFolder, &thread,
             [this](int total) { subFolderTotals << total; }, direct);
         QObject::connect(
-            &worker, &DiskUsageWorkerThread::updateScanProgress, &worker, [this] { ++progress; },
+            &thread, &DiskUsageWorkerThread::updateScanProgress, &thread, [this] { ++progress; },
             direct);
         QObject::connect(
-            &worker, &DiskUsageWorkerThread::resultReady, &worker, [this] { ++resultReady; },
+            &thread, &DiskUsageWorkerThread::resultReady, &thread, [this] { ++resultReady; },
             direct);
-        QObject::connect(
-            &worker, &DiskUsageWorkerThread::updateTotalItemScan, &worker,
-            [this, &worker, onItem](int total) {
-                items = total;
-                if (onItem)
-                    onItem(worker, total);
-            },
-            direct);
-        worker.start();
-        worker.wait();
-        itemsShown = worker.itemsScanned();
-        result = worker.takeResult();
+        thread.start();
+        thread.wait();
+        itemsShown = thread.itemsScanned();
+        result = thread.takeResult();
         QBuffer buffer(&json);
         buffer.open(QIODevice::WriteOnly);
         ScanJsonWriter(path, result).write(buffer);
@@ -204,9 +205,7 @@ void TestScanWorker::init()
     QVERIFY(dir.isValid());
     QDir(dir.path()).removeRecursively();
     QDir().mkpath(dir.path());
-    FileTypeCatalogue::fillDefaults(FileTypeCatalogue::instance());
-    ExclusionSettings::excludeList().clear();
-    ExclusionSettings::excludeOneDriveFolder() = 0;
+    settings = Settings::defaults();
     isolated.setOneDrivePath({});
 }
 
@@ -300,9 +299,6 @@ void TestScanWorker::theTwentyBiggestFiles()
 
 void TestScanWorker::hardLinkedFilesTakeSpaceOnce()
 {
-#ifdef Q_OS_WIN
-    QSKIP("a Windows listing tells no link count: each name counts its space");
-#endif
     constexpr quint64 written = 64 * 1024;
     makeFile(dir.filePath("b/placeholder"), 0);
     QDir().mkpath(dir.filePath("a"));
@@ -327,7 +323,7 @@ void TestScanWorker::hardLinkedFilesTakeSpaceOnce()
 
 void TestScanWorker::categoriesCountEveryMatchingFile()
 {
-    QList<FileTypeCategory>& catalogue = FileTypeCatalogue::instance();
+    QList<FileTypeCategory>& catalogue = settings.catalogue;
     catalogue[10].checked = false; // Video Files
     for (int size = 1; size <= 25; ++size)
         makeFile(dir.filePath(QString("d/doc%1.txt").arg(size)), size);
@@ -341,10 +337,10 @@ void TestScanWorker::categoriesCountEveryMatchingFile()
     QCOMPARE(scan.dataFiles[5].size(), 20);
     QCOMPARE(scan.dataFiles[5].first().size, 25);
     QCOMPARE(scan.dataFiles[5].first().fileName, QStringLiteral("doc25.txt"));
-    QCOMPARE(scan.dataFiles[5].first().filePath, QDir::fromNativeSeparators(under("d")));
-    // The JSON, read by people and scripts, has the system's separators.
+    // The folder as the user sees it: the system's separators, on screen and in the JSON.
+    QCOMPARE(scan.dataFiles[5].first().filePath, under("d"));
     const QJsonValue written = QJsonDocument::fromJson(scan.json)["categories"][5]["files"][0];
-    QCOMPARE(written["filePath"].toString(), QDir::toNativeSeparators(under("d")));
+    QCOMPARE(written["filePath"].toString(), under("d"));
     QVERIFY(scan.dataFiles[10].isEmpty());
     QSet<int> indexes;
     for (const auto& list : scan.dataFiles) {
@@ -359,21 +355,21 @@ void TestScanWorker::categoriesCountEveryMatchingFile()
     const CategoryModel& rows = scan.dataFilesModel;
     QCOMPARE(rows.rowCount(), 12);
     const auto at = [&rows](int row, int column) { return rows.index(row, column).data(); };
-    QCOMPARE(at(0, CategoryModel::Category).toString(), QStringLiteral("Audio Files"));
+    QCOMPARE(at(0, CategoryColumn::Category).toString(), QStringLiteral("Audio Files"));
     QList<int> zeroTotals;
     for (int row = 0; row < 11; ++row) {
-        const int category = at(row, CategoryModel::CategoryIndex).toInt();
-        QCOMPARE(at(row, CategoryModel::Mebibytes).toDouble(),
+        const int category = at(row, CategoryColumn::CategoryIndex).toInt();
+        QCOMPARE(at(row, CategoryColumn::Mebibytes).toDouble(),
                  double(scan.result.categories[category].totalSize) * 9.5367431640625e-7);
         if (row > 0)
-            QVERIFY(at(row, CategoryModel::Mebibytes).toDouble() <=
-                    at(row - 1, CategoryModel::Mebibytes).toDouble());
+            QVERIFY(at(row, CategoryColumn::Mebibytes).toDouble() <=
+                    at(row - 1, CategoryColumn::Mebibytes).toDouble());
         if (scan.result.categories[category].totalSize == 0)
             zeroTotals << category;
     }
     QVERIFY(std::is_sorted(zeroTotals.begin(), zeroTotals.end()));
-    QVERIFY(!at(11, CategoryModel::Category).isValid());
-    QVERIFY(!at(11, CategoryModel::CategoryIndex).isValid());
+    QVERIFY(!at(11, CategoryColumn::Category).isValid());
+    QVERIFY(!at(11, CategoryColumn::CategoryIndex).isValid());
 }
 
 void TestScanWorker::exclusionsArePlainPrefixes()
@@ -382,7 +378,7 @@ void TestScanWorker::exclusionsArePlainPrefixes()
     makeFile(dir.filePath("Temporary/y"), 20);
     makeFile(dir.filePath("Keep/z"), 40);
     makeFile(dir.filePath("Tempfile.txt"), 80);
-    ExclusionSettings::excludeList() = {{true, under("Temp")}, {false, under("Keep")}};
+    settings.exclusions = {{true, under("Temp")}, {false, under("Keep")}};
     const ScanRun scan(scanRoot());
 
     const QModelIndex root = scan.root();
@@ -408,7 +404,7 @@ void TestScanWorker::oneDriveFolders()
         QCOMPARE(iconOf(scan.folderModel.index(0, 0, oneDrive)), cloud);
         QVERIFY(iconOf(childNamed(scan.root(), "Local")) != cloud);
     }
-    ExclusionSettings::excludeOneDriveFolder() = 1;
+    settings.excludeOneDrive = true;
     const ScanRun scan(scanRoot());
     QVERIFY(!childNamed(scan.root(), "OneDrive").isValid());
     QCOMPARE(cell(scan.root(), Size).toULongLong(), 7ull);
@@ -523,8 +519,8 @@ void TestScanWorker::anyNumberOfReadersGivesTheSameResult()
     makeFile(dir.filePath("OneDrive/cloud.txt"), 50);
     makeFile(dir.filePath("skip/inner/x.bin"), 70);
     isolated.setOneDrivePath(platform::toNative(under("OneDrive")));
-    ExclusionSettings::excludeOneDriveFolder() = 1;
-    ExclusionSettings::excludeList() = {{true, under("skip")}};
+    settings.excludeOneDrive = true;
+    settings.exclusions = {{true, under("skip")}};
     // Whole, and cancelled at the 40th entry.
     for (const int stopAt : {-1, 40}) {
         const auto cancelAt = [stopAt](DiskUsageWorkerThread& worker, int total) {
@@ -676,7 +672,7 @@ void TestScanWorker::theModelsShowWhatAnIndependentWalkFinds()
                                               platform::toNative(under("link")), error);
     std::filesystem::create_hard_link(platform::toNative(under("t2/a.txt")),
                                       platform::toNative(under("many/again.txt")), error);
-    ExclusionSettings::excludeList() = {{true, under("skip")}};
+    settings.exclusions = {{true, under("skip")}};
 
     Reference reference;
     reference.excluded = QStringList{under("skip")};

@@ -5,8 +5,7 @@
 #include "settings/DiskUsageAddFileTypesDialog.h"
 #include "settings/DiskUsageEditFileTypesDialog.h"
 #include "settings/DiskUsageOptionsForm.h"
-#include "settings/ExclusionSettings.h"
-#include "settings/FileTypeCatalogue.h"
+#include "settings/Settings.h"
 #include "settings/SettingsStore.h"
 
 #include <QCheckBox>
@@ -38,8 +37,9 @@ private slots:
     void badStoredValues();
 
 private:
-    // A page filled from the settings, as the home screen makes it.
-    static std::unique_ptr<DiskUsageOptionsForm> page();
+    // A page filled from the stored settings, as the home screen makes it;
+    // what it saves becomes `current`, as in the main window.
+    std::unique_ptr<DiskUsageOptionsForm> page();
     static QTreeWidget* fileTypes(QWidget* form)
     {
         return form->findChild<QTreeWidget*>("treeWidget");
@@ -66,6 +66,8 @@ private:
 
     IsolatedSettings isolated;
     QTemporaryDir dir;
+    // The settings scans are made with.
+    Settings current;
 };
 
 #define SKIP_WITHOUT_DRIVABLE_PICKER()                                                             \
@@ -85,7 +87,7 @@ void TestOptionsPage::initTestCase()
 void TestOptionsPage::init()
 {
     isolated.clear();
-    FileTypeCatalogue::fillDefaults(FileTypeCatalogue::instance());
+    current = Settings::defaults();
 }
 
 void TestOptionsPage::makeFile(const QString& relative, qint64 size)
@@ -95,10 +97,11 @@ void TestOptionsPage::makeFile(const QString& relative, qint64 size)
 
 std::unique_ptr<DiskUsageOptionsForm> TestOptionsPage::page()
 {
-    if (!FileTypeCatalogue::load(FileTypeCatalogue::instance()))
-        FileTypeCatalogue::fillDefaults(FileTypeCatalogue::instance());
+    current = Settings::load();
     auto form = std::make_unique<DiskUsageOptionsForm>();
-    form->loadSettings();
+    form->edit(current);
+    connect(form.get(), &DiskUsageOptionsForm::saved, this,
+            [this](const Settings& saved) { current = saved; });
     form->show();
     return form;
 }
@@ -137,7 +140,7 @@ QString TestOptionsPage::scanAndListFolders(const QString& root, QMap<QString, Q
 {
     DiskUsageScanProgressForm results;
     QSignalSpy finished(&results, &DiskUsageScanProgressForm::scanFinish);
-    results.startScanning(root);
+    results.startScanning(ScanRequest::of(root, current));
     if (!finished.wait(20000))
         return QStringLiteral("(no results)");
     const QAbstractItemModel* model = results.findChild<QTreeView*>("treeView")->model();
@@ -189,7 +192,7 @@ void TestOptionsPage::theEditorsChangeACategory()
     QCOMPARE(tree->topLevelItem(6)->text(0), QStringLiteral("Font Files (.fon, .otf, .ttf, .PNG)"));
     QVERIFY(form->hasUnsavedChanges());
     // Nothing is stored and the scan's catalogue is as it was until "Save".
-    QCOMPARE(FileTypeCatalogue::instance().at(6).extensions.size(), 4);
+    QCOMPARE(current.catalogue.at(6).extensions.size(), 4);
     QCOMPARE(SettingsStore::readDword("FileTypeDataCount"), std::nullopt);
 
     QTest::mouseClick(button(form.get(), "saveButton"), Qt::LeftButton);
@@ -197,8 +200,7 @@ void TestOptionsPage::theEditorsChangeACategory()
     QCOMPARE(SettingsStore::readDword("FileTypeDataCount"), std::optional<quint32>(12));
     QCOMPARE(SettingsStore::readString("FileTypeData6"),
              std::optional<QString>("1;Font Files (.fon, .otf, .ttf, .PNG)"));
-    QCOMPARE(FileTypeCatalogue::instance().at(6).extensions,
-             QStringList({".fon", ".otf", ".ttf", ".PNG"}));
+    QCOMPARE(current.catalogue.at(6).extensions, QStringList({".fon", ".otf", ".ttf", ".PNG"}));
 }
 
 void TestOptionsPage::theEditorIsLenient()
@@ -209,10 +211,10 @@ void TestOptionsPage::theEditorIsLenient()
     auto* extensions = editor->findChild<QTreeWidget*>("treeWidget");
     QCOMPARE(texts(extensions), QStringList({".fnt", ".ttf"}));
 
-    editor->on_newFileExtensionValue(QString());
+    editor->addExtension(QString());
     QVERIFY(!button(editor, "SaveButton")->isEnabled());
     for (const char* typed : {"png", ".png", "a,b(c);d"})
-        editor->on_newFileExtensionValue(QString::fromLatin1(typed));
+        editor->addExtension(QString::fromLatin1(typed));
     QCOMPARE(texts(extensions), QStringList({".fnt", ".ttf", ".png", ".png", ".a,b(c);d"}));
     QVERIFY(button(editor, "SaveButton")->isEnabled());
 
@@ -247,7 +249,7 @@ void TestOptionsPage::anUncheckedCategoryIsSavedAndSkippedByAScan()
         QCOMPARE(tree->topLevelItem(1)->checkState(0), Qt::Unchecked);
         QVERIFY(form->hasUnsavedChanges());
         // Until "Save" a scan still sorts audio files.
-        QVERIFY(FileTypeCatalogue::instance().at(1).checked);
+        QVERIFY(current.catalogue.at(1).checked);
         clickCheckBox(tree, tree->topLevelItem(1));
         clickCheckBox(tree, tree->topLevelItem(1));
         QTest::mouseClick(button(form.get(), "saveButton"), Qt::LeftButton);
@@ -256,11 +258,11 @@ void TestOptionsPage::anUncheckedCategoryIsSavedAndSkippedByAScan()
     QVERIFY(stored && stored->startsWith("0;Audio Files (.aac, .aif, "));
 
     // As at the next start.
-    FileTypeCatalogue::instance().clear();
+    current = {};
     auto restarted = page();
     QCOMPARE(fileTypes(restarted.get())->topLevelItem(1)->checkState(0), Qt::Unchecked);
     QCOMPARE(fileTypes(restarted.get())->topLevelItem(5)->checkState(0), Qt::Checked);
-    QVERIFY(!FileTypeCatalogue::instance().at(1).checked);
+    QVERIFY(!current.catalogue.at(1).checked);
 
     QMap<QString, QString> totals;
     scanAndListFolders(path("tree"), &totals);
@@ -286,12 +288,12 @@ void TestOptionsPage::aSaveThatFailsSaysSoAndStaysUnsaved()
     QCOMPARE(title, QStringLiteral("Settings not saved"));
     QVERIFY(text.contains(file));
     QVERIFY(form->hasUnsavedChanges());
-    QVERIFY(FileTypeCatalogue::instance().at(1).checked); // scans keep what was saved
+    QVERIFY(current.catalogue.at(1).checked); // scans keep what was saved
 
     QVERIFY(QDir(file).removeRecursively());
     QVERIFY(form->save());
     QVERIFY(!form->hasUnsavedChanges());
-    QVERIFY(!FileTypeCatalogue::instance().at(1).checked);
+    QVERIFY(!current.catalogue.at(1).checked);
 }
 
 void TestOptionsPage::tenFoldersAtMostAndNoneTwice()
@@ -362,7 +364,7 @@ void TestOptionsPage::removalsLeaveNothingUnsaved()
     QCOMPARE(folders(form.get())->currentItem()->text(0), path("folders/f2"));
     QTest::mouseClick(button(form.get(), "excludeRemoveButton"), Qt::LeftButton);
     QCOMPARE(texts(folders(form.get())), QStringList({path("folders/f0"), path("folders/f1")}));
-    QCOMPARE(ExclusionSettings::excludeList().size(), 3); // scans still leave out all three
+    QCOMPARE(current.exclusions.size(), 3); // scans still leave out all three
     QVERIFY(!form->hasUnsavedChanges());
 
     // Saved afterwards, the stored third value stays and comes back.
@@ -371,8 +373,8 @@ void TestOptionsPage::removalsLeaveNothingUnsaved()
     QVERIFY(form->hasUnsavedChanges());
     form->save();
     QCOMPARE(SettingsStore::readDword("ExcludeOneDriveFolder"), std::optional<quint32>(1));
-    QCOMPARE(ExclusionSettings::excludeOneDriveFolder(), 1u);
-    QCOMPARE(ExclusionSettings::excludeList().size(), 3);
+    QVERIFY(current.excludeOneDrive);
+    QCOMPARE(current.exclusions.size(), 3);
     QCOMPARE(folders(form.get())->topLevelItemCount(), 2);
 }
 
@@ -415,10 +417,10 @@ void TestOptionsPage::restoreTheDefaults()
     QCOMPARE(tree->topLevelItem(1)->checkState(0), Qt::Checked);
     QVERIFY(form->hasUnsavedChanges());
     // Until "Save", scans keep sorting by the saved two.
-    QCOMPARE(FileTypeCatalogue::instance().size(), 2);
+    QCOMPARE(current.catalogue.size(), 2);
     QCOMPARE(SettingsStore::readDword("FileTypeDataCount"), std::optional<quint32>(2));
     form->save();
-    QCOMPARE(FileTypeCatalogue::instance().size(), 12);
+    QCOMPARE(current.catalogue.size(), 12);
     QCOMPARE(SettingsStore::readDword("FileTypeDataCount"), std::optional<quint32>(12));
 }
 

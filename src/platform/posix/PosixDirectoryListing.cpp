@@ -28,20 +28,6 @@ std::uint64_t fileTimeOf(const timespec& time)
            static_cast<std::uint64_t>(time.tv_nsec) / 100u;
 }
 
-// A walk holds one open folder per level; let a deep tree use every
-// descriptor the system allows this process.
-void raiseDescriptorLimit()
-{
-    static std::once_flag once;
-    std::call_once(once, [] {
-        rlimit limit{};
-        if (getrlimit(RLIMIT_NOFILE, &limit) == 0 && limit.rlim_cur < limit.rlim_max) {
-            limit.rlim_cur = limit.rlim_max;
-            setrlimit(RLIMIT_NOFILE, &limit);
-        }
-    });
-}
-
 // st_blocks counts 512-byte units, whatever the file system's block size.
 std::uint64_t allocatedBytes(const struct stat& info)
 {
@@ -139,7 +125,6 @@ DirectoryListing& DirectoryListing::operator=(DirectoryListing&&) noexcept = def
 
 DirectoryListing DirectoryListing::open(const NativeString& path)
 {
-    raiseDescriptorLimit();
     DirectoryListing listing;
     State::adopt(listing,
                  posix::FileDescriptor(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)),
@@ -216,9 +201,18 @@ std::uint64_t DirectoryListing::allocated() const
     return ownAllocation;
 }
 
-std::size_t DirectoryListing::openLimit()
+// A walk holds open folders on its way down and ahead of it; let a deep tree
+// use every descriptor the system allows this process.
+std::size_t DirectoryListing::raiseOpenLimit()
 {
-    raiseDescriptorLimit();
+    static std::once_flag once;
+    std::call_once(once, [] {
+        rlimit limit{};
+        if (getrlimit(RLIMIT_NOFILE, &limit) == 0 && limit.rlim_cur < limit.rlim_max) {
+            limit.rlim_cur = limit.rlim_max;
+            setrlimit(RLIMIT_NOFILE, &limit);
+        }
+    });
     rlimit limit{};
     if (getrlimit(RLIMIT_NOFILE, &limit) != 0 || limit.rlim_cur == RLIM_INFINITY)
         return std::size_t(1) << 20;

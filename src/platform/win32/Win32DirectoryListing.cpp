@@ -4,7 +4,9 @@
 
 #include <windows.h>
 
+#include <map>
 #include <memory>
+#include <mutex>
 
 namespace platform {
 
@@ -16,6 +18,9 @@ struct DirectoryListing::State {
     static constexpr DWORD bufferBytes = 256 * 1024;
     std::wstring path;
     win32::FileHandle folder;
+    // Mixed into each file ID where the volume's file IDs name one file each
+    // (NTFS); 0 elsewhere, where files are not told apart by their IDs.
+    std::uint64_t volumeKey = 0;
     // 8-byte aligned, as the records in it are.
     std::unique_ptr<std::uint64_t[]> buffer{new std::uint64_t[bufferBytes / 8]};
     const FILE_ID_BOTH_DIR_INFO* record = nullptr; // the next to return; none: read a batch
@@ -79,6 +84,30 @@ std::wstring systemPath(const std::wstring& path)
     return extended;
 }
 
+// A number for the volume of an open folder, never 0, when its file IDs name
+// one file each: NTFS, whose IDs are the file's own record. Others (FAT's are
+// made up from the place of a name, ReFS's do not fit 64 bits) give 0.
+// The file system is asked once a volume.
+std::uint64_t volumeKeyOf(HANDLE folder)
+{
+    static std::mutex mutex;
+    static std::map<DWORD, bool> uniqueIds;
+    BY_HANDLE_FILE_INFORMATION information{};
+    if (!GetFileInformationByHandle(folder, &information))
+        return 0;
+    const DWORD serial = information.dwVolumeSerialNumber;
+    std::lock_guard lock(mutex);
+    auto known = uniqueIds.find(serial);
+    if (known == uniqueIds.end()) {
+        wchar_t fileSystem[MAX_PATH + 1] = {};
+        const bool ntfs = GetVolumeInformationByHandleW(folder, nullptr, 0, nullptr, nullptr,
+                                                        nullptr, fileSystem, MAX_PATH + 1) &&
+                          std::wstring(fileSystem) == L"NTFS";
+        known = uniqueIds.emplace(serial, ntfs).first;
+    }
+    return known->second ? (std::uint64_t{serial} | 1u) * 0x9e3779b97f4a7c15ull : 0;
+}
+
 // Backup semantics open a folder as a handle.
 win32::FileHandle openFolder(const std::wstring& path, DWORD access)
 {
@@ -99,6 +128,8 @@ DirectoryListing DirectoryListing::open(const NativeString& path)
     auto state = std::make_unique<State>();
     state->path = path;
     state->folder = openFolder(path, FILE_LIST_DIRECTORY);
+    if (state->folder.isValid())
+        state->volumeKey = volumeKeyOf(state->folder.get());
     DirectoryListing listing;
     // The first batch tells a folder from a file, which opens all the same; a
     // folder with nothing in it at all (a drive's empty root) has no batch.
@@ -157,8 +188,8 @@ std::optional<FolderIdentity> DirectoryListing::identityOf(const NativeString& p
                               information.nFileIndexLow};
 }
 
-// Search handles are kernel objects, limited only by memory.
-std::size_t DirectoryListing::openLimit()
+// Folder handles are kernel objects, limited only by memory.
+std::size_t DirectoryListing::raiseOpenLimit()
 {
     return std::size_t(1) << 20;
 }
@@ -190,8 +221,12 @@ bool DirectoryListing::next(DirectoryEntry& entry)
         entry.isLink = (data.FileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
         entry.size = entry.isDirectory ? 0 : std::uint64_t(data.EndOfFile.QuadPart);
         entry.allocated = entry.isDirectory ? 0 : std::uint64_t(data.AllocationSize.QuadPart);
-        // The listing has no link count to tell a hard-linked file by.
-        entry.linkedFile = 0;
+        // The listing has no link count: every file of a volume whose IDs tell
+        // files apart is a candidate.
+        const auto fileId = std::uint64_t(data.FileId.QuadPart);
+        entry.linkedFile = entry.isDirectory || state->volumeKey == 0 || fileId == 0
+                               ? 0
+                               : fileId ^ state->volumeKey;
         entry.lastAccessTime = std::uint64_t(data.LastAccessTime.QuadPart);
         state->advance();
         return true;

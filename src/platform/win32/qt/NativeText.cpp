@@ -22,9 +22,10 @@ QStringList arguments(int, char*[])
     return QCoreApplication::arguments();
 }
 
+// A drive's root ("C:\\") takes no second separator.
 QString childPath(const QString& folder, const QString& name)
 {
-    return folder + '\\' + name;
+    return folder.endsWith('\\') || folder.endsWith('/') ? folder + name : folder + '\\' + name;
 }
 
 } // namespace platform

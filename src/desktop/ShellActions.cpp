@@ -8,7 +8,7 @@
 #include <QMessageBox>
 #include <QUrl>
 
-Q_LOGGING_CATEGORY(lcShell, "tallyroot.shell", QtInfoMsg)
+Q_LOGGING_CATEGORY(lcDesktop, "tallyroot.desktop", QtInfoMsg)
 
 namespace ShellActions {
 
@@ -26,16 +26,16 @@ void tellIfNotOpened(bool opened, QWidget* owner, const QString& what)
 {
     if (opened)
         return;
-    qCDebug(lcShell).noquote() << "not opened:" << what;
+    qCWarning(lcDesktop).noquote() << "not opened:" << what;
     QMessageBox::warning(owner, QStringLiteral("Could not open"),
                          QStringLiteral("No program on this system could open:\n%1").arg(what));
 }
 
 } // namespace
 
-void exploreFolder(QWidget* owner, QString path)
+void exploreFolder(QString path, QWidget* owner)
 {
-    qCDebug(lcShell).noquote() << "path:" << path;
+    qCDebug(lcDesktop).noquote() << "path:" << path;
     path = withoutTrailingSeparator(QDir::toNativeSeparators(path));
     tellIfNotOpened(platform::exploreFolder(owner, platform::fileManagerPath(path)), owner, path);
 }
@@ -50,7 +50,7 @@ void openFile(const QString& fullPath, QWidget* owner)
 {
     const QString shown = QDir::toNativeSeparators(fullPath);
     platform::openFile(fullPath, owner, [owner, shown](const QString& reason) {
-        qCDebug(lcShell).noquote() << "not opened:" << shown << reason;
+        qCWarning(lcDesktop).noquote() << "not opened:" << shown << reason;
         QMessageBox::warning(owner, QStringLiteral("Could not open"),
                              QStringLiteral("%1\n\ncould not be opened. %2").arg(shown, reason));
     });
@@ -61,28 +61,6 @@ void openLink(const QUrl& link, QWidget* owner)
     tellIfNotOpened(QDesktopServices::openUrl(link), owner,
                     link.isLocalFile() ? QDir::toNativeSeparators(link.toLocalFile())
                                        : link.toString());
-}
-
-QIcon smallFileIcon(const QString& path)
-{
-    return platform::smallFileIcon(path);
-}
-
-QString specialFolderPath(platform::SpecialFolder which)
-{
-    return QString::fromStdWString(platform::specialFolderPath(which));
-}
-
-QString windowsFolderPath()
-{
-    return QString::fromStdWString(platform::windowsFolderPath());
-}
-
-QString joinFolderAndName(QString folder, const QString& name)
-{
-    if (folder.endsWith(QDir::separator()))
-        folder.chop(1);
-    return folder + QDir::separator() + name;
 }
 
 } // namespace ShellActions

@@ -1,0 +1,3 @@
+#include "HomeLog.h"
+
+Q_LOGGING_CATEGORY(lcHome, "tallyroot.home", QtInfoMsg)

@@ -1,0 +1,3 @@
+#include "ResultsLog.h"
+
+Q_LOGGING_CATEGORY(lcResults, "tallyroot.results", QtInfoMsg)

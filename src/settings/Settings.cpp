@@ -1,0 +1,20 @@
+#include "Settings.h"
+
+#include "ExclusionSettings.h"
+#include "FileTypeCatalogue.h"
+
+Settings Settings::defaults()
+{
+    return {FileTypeCatalogue::defaults(), {}, false};
+}
+
+Settings Settings::load()
+{
+    Settings settings;
+    settings.catalogue = FileTypeCatalogue::load();
+    if (settings.catalogue.isEmpty())
+        settings.catalogue = FileTypeCatalogue::defaults();
+    settings.exclusions = ExclusionSettings::load();
+    settings.excludeOneDrive = ExclusionSettings::loadExcludeOneDrive();
+    return settings;
+}
