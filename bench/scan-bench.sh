@@ -5,6 +5,7 @@
 #   BASELINE=REV bench/scan-bench.sh   also times tallyroot-scan as built at
 #                                      git revision REV, for what a change costs
 #   READERS="1 4 8 16 32"              the reader counts of the curve
+#   PLAIN="4 8 16 32"                  the plain reader's thread counts
 #
 # Makes the tree on first use (1,000,000 sparse files in 100,000 folders, depth
 # up to 12), then times three runs of each command and reports the median wall
@@ -28,9 +29,11 @@ scan=build/src/tallyroot-scan
 json=$(mktemp -d /tmp/tallyroot-bench-json.XXXXXX)
 trap 'rm -rf "$json"' EXIT
 curve=(${READERS:-1 4 8 16 32})
+# The plain reader at the counts where the disk's own curve is wanted.
+plain=(${PLAIN:-4 8 16 32})
 # The reader count the engine chooses for the disk that holds the tree.
 default=$(QT_LOGGING_RULES="tallyroot.scan.debug=true" "$scan" --defaults "$tree" 2>&1 >/dev/null |
-    sed -nE 's/.*readers: ([0-9]+).*/\1/p')
+    sed -nE 's/^readers: ([0-9]+)$/\1/p')
 
 # The engine as it was at another revision, built from its own sources.
 baseline=
@@ -68,7 +71,7 @@ curve() {
     done
     [[ " ${curve[*]} " == *" $default "* ]] ||
         timed "$how" "tallyroot-scan (default: $default)" "$scan" --defaults "$tree"
-    for readers in 8 32; do
+    for readers in "${plain[@]}"; do
         timed "$how" "plain reader, $readers threads" build/bench/tallyroot-plainreader \
             "$readers" "$tree"
     done

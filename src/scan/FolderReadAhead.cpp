@@ -47,7 +47,7 @@ FolderReadAhead::~FolderReadAhead()
         reader.join();
     free(std::move(pending));
     free({std::move(rootFolder)});
-    qCDebug(lcScan) << "readers:" << readers.size()
+    qCDebug(lcScan) << "read-ahead readers:" << readers.size()
                     << "read by readers:" << counters.readByReaders.load()
                     << "read by the walk:" << counters.readByWalk.load()
                     << "walk waits:" << counters.walkWaits.load()
