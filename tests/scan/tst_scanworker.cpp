@@ -6,6 +6,7 @@
 #include "scan/DiskUsageClearRamThread.h"
 #include "scan/DiskUsageWorkerThread.h"
 #include "scan/ScanJsonWriter.h"
+#include "scan/TreeSearch.h"
 #include "settings/Settings.h"
 
 #include <QBuffer>
@@ -181,6 +182,7 @@ private slots:
     void foldersChangingInTheReadAheadKeepTheTotalsConsistent();
     void theModelsShowWhatAnIndependentWalkFinds();
     void releasingFreesTheTree();
+    void searchFindsByNameAndSize();
 
 private:
     // The scanned folder as a user would pick it, and paths below it joined as
@@ -747,4 +749,49 @@ void TestScanWorker::releasingFreesTheTree()
 }
 
 QTEST_MAIN(TestScanWorker)
+// The names found for a query, sorted.
+QStringList found(const ScanTree& tree, const SearchQuery& query)
+{
+    QStringList names;
+    for (const ScanTree::Index index : TreeSearch(query).find(tree))
+        names << tree.nameText(index);
+    names.sort();
+    return names;
+}
+
+void TestScanWorker::searchFindsByNameAndSize()
+{
+    makeFile(dir.filePath("Music/Song One.mp3"), 3000);
+    makeFile(dir.filePath("Music/song-two.MP3"), 100);
+    makeFile(dir.filePath("Music/mp3s.txt"), 1);
+    makeFile(dir.filePath("Docs/report 2024.pdf"), 5000);
+    makeFile(dir.filePath("Docs/Reports/notes.txt"), 10);
+    makeFile(dir.filePath("Skip/report.mp3"), 7);
+    settings.exclusions = {{true, under("Skip")}};
+    const ScanRun scan(scanRoot());
+    const ScanTree& tree = *scan.result.tree;
+    using Names = QStringList;
+
+    // Without wildcards a part of the name, letter case aside; excluded folders are not searched.
+    QCOMPARE(found(tree, {"REPORT"}), Names({"Reports", "report 2024.pdf"}));
+    // With them the whole name.
+    QCOMPARE(found(tree, {"*.mp3"}), Names({"Song One.mp3", "song-two.MP3"}));
+    QCOMPARE(found(tree, {"song?one*"}), Names({"Song One.mp3"}));
+    QCOMPARE(found(tree, {"[mn]*.txt"}), Names({"mp3s.txt", "notes.txt"}));
+    QCOMPARE(found(tree, {"*.mp"}), Names());
+    // A regular expression matches anywhere in the name; one that does not compile finds nothing.
+    QCOMPARE(found(tree, {"^song.(one|two)", true}), Names({"Song One.mp3", "song-two.MP3"}));
+    QCOMPARE(found(tree, {"\\d{4}", true}), Names({"report 2024.pdf"}));
+    QVERIFY(!TreeSearch({"(", true}).isValid());
+    QCOMPARE(found(tree, {"(", true}), Names());
+    // A minimum size, alone or with a name; a folder counts its whole subtree.
+    QCOMPARE(found(tree, {"*.mp3", false, 1000}), Names({"Song One.mp3"}));
+    QCOMPARE(found(tree, {"", false, 3100}), Names({"Docs", "Music", "report 2024.pdf"}));
+    QCOMPARE(found(tree, {"", false, 5011}), Names());
+    // Told to stop, it stops.
+    const std::atomic<bool> stop{true};
+    QVERIFY(TreeSearch({"*"}).find(tree, &stop).empty());
+    QCOMPARE(found(tree, {"*"}).size(), 8);
+}
+
 #include "tst_scanworker.moc"
