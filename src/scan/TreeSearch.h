@@ -11,8 +11,9 @@
 
 // What the user looks for among the files and folders of a scan.
 struct SearchQuery {
-    // Without * or ? a part of the name; with them the whole name; as a
-    // regular expression, anywhere in the name. Letter case never counts.
+    // Without wildcards (* ? [...]) a part of the name, with them the whole
+    // name; as a regular expression, anywhere in the name; empty, any name.
+    // Letter case never counts.
     QString pattern;
     bool regularExpression = false;
     // Files and folders smaller than this (a folder counts its whole
