@@ -1,7 +1,5 @@
 #include "TreeSearch.h"
 
-#include "platform/NativeText.h"
-
 namespace {
 
 bool hasWildcards(const QString& pattern)
