@@ -9,8 +9,6 @@
 #include <algorithm>
 
 using DiskUsageGlobal::addSaturating;
-using DiskUsageGlobal::TFileInfo;
-using DiskUsageGlobal::TMainDataFile;
 
 // One folder of the walk, from the moment it is entered until it is finished.
 struct DiskUsageWorkerThread::Frame {
@@ -45,12 +43,7 @@ ScanResult DiskUsageWorkerThread::takeResult()
 void DiskUsageWorkerThread::run()
 {
     result.categories = request.catalogue;
-    matcher.emplace(result.categories);
-    result.dataFiles.resize(result.categories.size());
-    sizeFloor = 0;
-    linkedFilesSeen.clear();
-    for (FileTypeCategory& category : result.categories)
-        category.totalSize = 0;
+    tally.emplace(result);
 
     QString name = QFileInfo(request.folder).fileName();
     if (name.isEmpty())
@@ -66,6 +59,7 @@ void DiskUsageWorkerThread::run()
         FolderReadAhead readAhead(request.folder, readers, exclusion(), &entriesListed);
         walk(readAhead);
     }
+    tree->keepSharedLinkedFiles();
     // Read ahead but never met (after a cancel) is not scanned.
     entriesListed.store(items, std::memory_order_relaxed);
     result.itemsScanned = items;
@@ -147,6 +141,7 @@ DiskUsageWorkerThread::Frame DiskUsageWorkerThread::enter(FolderReadAhead& readA
     }
     if (folder->loops)
         shown.flags |= ScanTree::Loop;
+    shown.ownOnDisk = folder->allocated;
     Frame frame;
     frame.onDisk = folder->allocated;
     frame.folder = std::move(folder);
@@ -174,6 +169,8 @@ bool DiskUsageWorkerThread::addChildren(const FolderReadAhead::Folder& folder, I
             added.size = entry.size;
             added.onDisk = entry.allocated;
             added.lastAccessTime = entry.lastAccessTime;
+            if (entry.linkedFile != 0)
+                tree->setLinkedFile(child, entry.linkedFile);
             continue;
         }
         const FolderReadAhead::Folder& met = *folder.subfolders[subfolder++];
@@ -217,45 +214,7 @@ void DiskUsageWorkerThread::addFile(Frame& frame, const FolderReadAhead::Entry& 
 {
     ++frame.files;
     addSaturating(frame.size, quint64(entry.size));
-    if (entry.linkedFile == 0 || linkedFilesSeen.insert(entry.linkedFile))
-        addSaturating(frame.onDisk, quint64(entry.allocated));
-
-    QList<TFileInfo>& biggest = result.biggestFiles;
-    if (entry.size > sizeFloor) {
-        const bool kept = DiskUsageGlobal::offerRanked(
-            biggest, entry.size, DiskUsageGlobal::biggestFilesLimit, [&] {
-                return TFileInfo{
-                    {}, {}, tree->path(node), entry.size, entry.lastAccessTime, entry.allocated};
-            });
-        // The floor rises only when a full list turned a file away, so it can
-        // lag behind the 20th entry; the list itself stays right.
-        if (!kept && biggest.size() == DiskUsageGlobal::biggestFilesLimit)
-            sizeFloor = biggest.constLast().size;
-    }
-    addDataFile(node);
-}
-
-void DiskUsageWorkerThread::addDataFile(Index file)
-{
-    const CategoryMatcher::Indexes* categories = matcher->match(tree->name(file));
-    if (!categories)
-        return;
-    ScanTree::Node& node = tree->node(file);
-    node.category = std::uint8_t(std::min(categories->constFirst(), int(ScanTree::noCategory)));
-    const auto size = static_cast<qint64>(node.size);
-    for (int category : *categories) {
-        const int index = dataFileIndex++;
-        DiskUsageGlobal::offerRanked(
-            result.dataFiles[category], size, DiskUsageGlobal::dataFilesLimit, [&] {
-                return TMainDataFile{tree->nameText(file),
-                                     DiskUsageGlobal::sizeText(double(size)),
-                                     DiskUsageGlobal::lastAccessText(node.lastAccessTime),
-                                     QDir::toNativeSeparators(QFileInfo(tree->path(file)).path()),
-                                     size,
-                                     index};
-            });
-        addSaturating(result.categories[category].totalSize, size);
-    }
+    addSaturating(frame.onDisk, tally->addFile(*tree, node, entry.linkedFile));
 }
 
 // Plain string prefixes, compared with case: an excluded D:\Temp also leaves

@@ -1,10 +1,9 @@
 #pragma once
 
-#include "CategoryMatcher.h"
-#include "FileIdSet.h"
 #include "FolderReadAhead.h"
 #include "ScanRequest.h"
 #include "ScanResult.h"
+#include "ScanTally.h"
 
 #include <QThread>
 
@@ -56,7 +55,6 @@ private:
     [[nodiscard]] bool addChildren(const FolderReadAhead::Folder& folder, Index node);
     void addEntry(FolderReadAhead& readAhead, std::vector<Frame>& stack);
     void addFile(Frame& frame, const FolderReadAhead::Entry& entry, Index node);
-    void addDataFile(Index file);
     [[nodiscard]] bool isExcluded(const QString& path) const;
     [[nodiscard]] bool inExcludedOneDrive(const QString& path) const;
     // The first enabled folder of the list that is a prefix of the path.
@@ -71,9 +69,5 @@ private:
     std::atomic<int> entriesListed{0};
     int items = 0;
     std::uint32_t foldersFinished = 0;
-    int dataFileIndex = 100;
-    quint64 sizeFloor = 0;
-    // Files of several names met so far: the first place counts what they take.
-    FileIdSet linkedFilesSeen;
-    std::optional<CategoryMatcher> matcher;
+    std::optional<ScanTally> tally;
 };

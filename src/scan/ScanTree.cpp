@@ -5,6 +5,7 @@
 #include "platform/NativeText.h"
 
 #include <QDir>
+#include <QRegularExpression>
 
 #include <algorithm>
 #include <charconv>
@@ -78,6 +79,69 @@ void ScanTree::appendChildPath(QString& folderPath, Index child, bool belowRoot)
         folderPath = platform::childPath(folderPath, nameText(child));
     else
         folderPath.append(QDir::separator()).append(nameText(child));
+}
+
+ScanTree::Index ScanTree::locate(const QString& path) const
+{
+    if (!path.startsWith(root))
+        return none;
+    static const QRegularExpression separators(
+        QDir::separator() == '/' ? QStringLiteral("/") : QStringLiteral("[/\\\\]"));
+    const QString below = path.mid(root.size());
+    const auto separatorAt = [](const QString& text, qsizetype at) {
+        return at >= 0 && at < text.size() && separators.match(text.mid(at, 1)).hasMatch();
+    };
+    if (!below.isEmpty() && !separatorAt(below, 0) && !separatorAt(root, root.size() - 1))
+        return none; // "/data/photos" does not lie below "/data/photo"
+    Index found = 0;
+    for (const QString& step : below.split(separators, Qt::SkipEmptyParts)) {
+        const platform::NativeString wanted = platform::toNative(step);
+        const Node& folder = nodes[found];
+        const Index end = folder.firstChild + folder.childCount;
+        Index child = folder.firstChild;
+        while (child < end && name(child) != wanted)
+            ++child;
+        if (child == end)
+            return none;
+        found = child;
+    }
+    return found;
+}
+
+void ScanTree::setLinkedFile(Index file, std::uint64_t id)
+{
+    linkedFiles.push_back({file, id});
+}
+
+std::uint64_t ScanTree::linkedFile(Index file) const
+{
+    const auto found =
+        std::lower_bound(linkedFiles.begin(), linkedFiles.end(), file,
+                         [](const LinkedFile& linked, Index node) { return linked.node < node; });
+    return found != linkedFiles.end() && found->node == file ? found->id : 0;
+}
+
+// On Windows every file of an NTFS volume has a number, and nearly all are
+// alone: keeping them would cost a tree a sixth more.
+void ScanTree::keepSharedLinkedFiles()
+{
+    const auto byId = [](const LinkedFile& a, const LinkedFile& b) {
+        return a.id != b.id ? a.id < b.id : a.node < b.node;
+    };
+    std::sort(linkedFiles.begin(), linkedFiles.end(), byId);
+    std::vector<LinkedFile> shared;
+    for (std::size_t first = 0, end = 0; first < linkedFiles.size(); first = end) {
+        end = first + 1;
+        while (end < linkedFiles.size() && linkedFiles[end].id == linkedFiles[first].id)
+            ++end;
+        if (end - first > 1)
+            shared.insert(shared.end(), linkedFiles.begin() + std::ptrdiff_t(first),
+                          linkedFiles.begin() + std::ptrdiff_t(end));
+    }
+    std::sort(shared.begin(), shared.end(),
+              [](const LinkedFile& a, const LinkedFile& b) { return a.node < b.node; });
+    shared.shrink_to_fit();
+    linkedFiles = std::move(shared);
 }
 
 std::vector<ScanTree::Index> ScanTree::shownSubfolders(Index folder) const

@@ -34,7 +34,10 @@ public:
     struct Node {
         std::uint64_t size = 0; // bytes; a folder's whole subtree
         std::uint64_t onDisk = 0;
-        std::uint64_t lastAccessTime = 0; // files: FILETIME ticks
+        union {
+            std::uint64_t lastAccessTime = 0; // files: FILETIME ticks
+            std::uint64_t ownOnDisk;          // folders: what the folder's own entry takes
+        };
         std::uint64_t nameOffset = 0;
         Index parent = none;
         Index firstChild = 0;
@@ -69,6 +72,14 @@ public:
     // nodes stay, unreachable.
     void keepChildren(Index folder, Index kept) { nodes[folder].childCount = kept; }
     void setName(Index index, platform::NativeStringView name);
+    // What tells a file of several names from others (see
+    // platform::DirectoryEntry), noted for files in the order they were
+    // added; 0 for any other node.
+    void setLinkedFile(Index file, std::uint64_t id);
+    [[nodiscard]] std::uint64_t linkedFile(Index file) const;
+    // Forgets the numbers no other file of the tree shares: once the tree is
+    // built, only those tell a later count anything.
+    void keepSharedLinkedFiles();
 
     [[nodiscard]] platform::NativeStringView name(Index index) const;
     [[nodiscard]] QString nameText(Index index) const;
@@ -80,6 +91,9 @@ public:
     // The path as the results show it: the scanned folder's with the
     // system's separators.
     [[nodiscard]] QString shownPath(Index index) const;
+    // The node a path leads to, by its names below the scanned folder; none
+    // when the tree holds no such entry.
+    [[nodiscard]] Index locate(const QString& path) const;
     // Adds a child's name to its folder's path; belowRoot when the folder is
     // the scanned one.
     void appendChildPath(QString& folderPath, Index child, bool belowRoot) const;
@@ -115,7 +129,13 @@ private:
         std::size_t usedInLast = 0;
     };
 
+    struct LinkedFile {
+        Index node;
+        std::uint64_t id;
+    };
+
     ChunkedArray<Node, 14> nodes;
     Names names;
+    std::vector<LinkedFile> linkedFiles; // by node
     QString root;
 };
