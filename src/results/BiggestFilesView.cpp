@@ -6,7 +6,9 @@ using namespace BiggestFileColumn;
 
 BiggestFilesView::BiggestFilesView(QWidget* parent)
     : ResultView(parent)
-{}
+{
+    setSelectionMode(QAbstractItemView::ExtendedSelection);
+}
 
 BiggestFilesView::~BiggestFilesView() = default;
 
@@ -24,4 +26,16 @@ QString BiggestFilesView::selectedFilePath() const
 {
     const QModelIndex row = selectedRow();
     return row.isValid() && files ? files->file(row.row()).filePath : QString();
+}
+
+QStringList BiggestFilesView::selectedFilePaths() const
+{
+    QStringList paths;
+    if (!files || !selectionModel())
+        return paths;
+    QModelIndexList rows = selectionModel()->selectedRows();
+    std::sort(rows.begin(), rows.end());
+    for (const QModelIndex& row : rows)
+        paths << files->file(row.row()).filePath;
+    return paths;
 }

@@ -2,6 +2,8 @@
 
 #include "ResultView.h"
 
+#include <QStringList>
+
 class BiggestFilesModel;
 
 // The 20 biggest files: name with its icon, size, bytes on disk beside it,
@@ -17,6 +19,7 @@ public:
     void showFiles(BiggestFilesModel* model);
     // Empty without a selection.
     [[nodiscard]] QString selectedFilePath() const;
+    [[nodiscard]] QStringList selectedFilePaths() const;
 
 private:
     BiggestFilesModel* files = nullptr;

@@ -1,12 +1,15 @@
 #include "DiskUsageScanProgressForm.h"
 
 #include "DiskUsageScanInfoForm.h"
+#include "RemovalQuestion.h"
 #include "ResultDetailsDialog.h"
 #include "desktop/ShellActions.h"
 #include "scan/VolumeReconciliation.h"
 #include "ui_DiskUsageScanProgressForm.h"
 
+#include <QClipboard>
 #include <QDir>
+#include <QGuiApplication>
 
 DiskUsageScanProgressForm::DiskUsageScanProgressForm(QWidget* parent)
     : QWidget(parent)
@@ -15,6 +18,7 @@ DiskUsageScanProgressForm::DiskUsageScanProgressForm(QWidget* parent)
     ui->setupUi(this);
     setUpMap();
     connectButtons();
+    setUpActions();
     scanPanel = addScanPanel();
     connect(scanPanel, &DiskUsageScanInfoForm::scanCancel, this,
             &DiskUsageScanProgressForm::onScanCancel);
@@ -77,6 +81,7 @@ void DiskUsageScanProgressForm::startScanning(ScanRequest request)
     }
     scannedFolder = request.folder;
     oneDrivePath = request.oneDrivePath;
+    this->request = request;
     scan.start(std::move(request));
 }
 
@@ -101,12 +106,13 @@ void DiskUsageScanProgressForm::onResults()
         scanPanel->deleteLater();
     }
     scanPanel = nullptr;
-    ScanResult result = scan.takeResult();
-    generalModel.setTree(std::move(result.tree), oneDrivePath);
+    changes.setScan(scan.takeResult(), request);
+    const ScanResult& result = changes.scan();
+    generalModel.setTree(result.tree, oneDrivePath);
     showUnreadable(result.unreadable);
     showVolumeSummary(result);
     if (!cancelled && !releaseAfterResults)
-        showResults(std::move(result));
+        showResults();
     ui->explorerGeneralButton->setEnabled(false);
     emit scanFinish();
     if (releaseAfterResults)
@@ -115,18 +121,18 @@ void DiskUsageScanProgressForm::onResults()
         ui->treeView->setCurrentIndex(generalModel.index(0, 0));
 }
 
-void DiskUsageScanProgressForm::showResults(ScanResult result)
+void DiskUsageScanProgressForm::showResults()
 {
+    const ScanResult& result = changes.scan();
     ui->treeView->showFolders(&generalModel);
     connect(ui->treeView->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &DiskUsageScanProgressForm::onFolderSelected);
     ui->toolBar->show();
     ui->volumeSummaryLabel->setVisible(!ui->volumeSummaryLabel->text().isEmpty());
     ui->tabWidget->show();
-    biggestFilesModel.setFiles(std::move(result.biggestFiles));
+    biggestFilesModel.setFiles(result.biggestFiles);
     ui->biggestFileTreeView->showFiles(&biggestFilesModel);
-    dataFiles = std::move(result.dataFiles);
-    dataFilesModel.setCategories(std::move(result.categories));
+    dataFilesModel.setCategories(result.categories);
     ui->dataFilesTreeView->showCategories(&dataFilesModel);
     ui->treemapView->setSource(generalModel.tree());
 }
@@ -191,7 +197,7 @@ void DiskUsageScanProgressForm::onViewDataFiles()
     const std::optional<int> category = ui->dataFilesTreeView->selectedCategory();
     if (!category)
         return;
-    ResultDetailsDialog dialog(dataFiles[*category], this);
+    ResultDetailsDialog dialog(changes.scan().dataFiles[*category], this);
     dialog.setWindowTitle(ui->dataFilesTreeView->selectedName() +
                           QStringLiteral(" (20 Biggest Files)"));
     dialog.exec();
@@ -215,6 +221,7 @@ void DiskUsageScanProgressForm::startRelease()
     ui->treemapView->clear();
     std::shared_ptr<const ScanTree> tree = generalModel.tree();
     generalModel.clear();
+    changes.setScan({}, {});
     biggestFilesModel.setFiles({});
     dataFilesModel.setCategories({});
     ui->toolBar->hide();
@@ -234,4 +241,189 @@ void DiskUsageScanProgressForm::onReleased()
 {
     emit clearRAMFinish();
     emit backToMain();
+}
+
+void DiskUsageScanProgressForm::setUpActions()
+{
+    using Form = DiskUsageScanProgressForm;
+    for (QWidget* view : {static_cast<QWidget*>(ui->treeView),
+                          static_cast<QWidget*>(ui->biggestFileTreeView),
+                          static_cast<QWidget*>(ui->treemapView)})
+        actions.attachTo(view);
+    connect(&actions, &ResultActions::prepare, this, &Form::onPrepareActions);
+    connect(&actions.open, &QAction::triggered, this, &Form::onOpen);
+    connect(&actions.showInFolder, &QAction::triggered, this, &Form::onShowInFolder);
+    connect(&actions.copyPath, &QAction::triggered, this, &Form::onCopyPath);
+    connect(&actions.refresh, &QAction::triggered, this, &Form::onRefresh);
+    connect(&actions.refreshAll, &QAction::triggered, this, &Form::onRefreshAll);
+    connect(&actions.moveToTrash, &QAction::triggered, this,
+            [this] { onRemove(ResultChanges::Removal::ToTrash); });
+    connect(&actions.deletePermanently, &QAction::triggered, this,
+            [this] { onRemove(ResultChanges::Removal::Permanently); });
+    connect(&changes, &ResultChanges::changed, this, &Form::onScanChanged);
+    connect(&changes, &ResultChanges::finished, this, &Form::onChangesFinished);
+    ui->changeStatusLabel->hide();
+}
+
+// The map acts on the folder it outlines, which is the one chosen in the tree.
+std::vector<ScanTree::Index> DiskUsageScanProgressForm::entriesOf(const QWidget* view) const
+{
+    const ScanTree* tree = changes.scan().tree.get();
+    if (!tree || !ui->treeView->model())
+        return {};
+    if (view == ui->treeView)
+        return ui->treeView->selectedFolders();
+    if (view == ui->treemapView) {
+        const std::optional<ScanTree::Index> folder = ui->treeView->selectedFolder();
+        return folder ? std::vector{*folder} : std::vector<ScanTree::Index>{};
+    }
+    std::vector<ScanTree::Index> entries;
+    if (view == ui->biggestFileTreeView) {
+        for (const QString& path : ui->biggestFileTreeView->selectedFilePaths()) {
+            const ScanTree::Index file = tree->locate(path);
+            if (file != ScanTree::none)
+                entries.push_back(file);
+        }
+    }
+    return entries;
+}
+
+std::vector<ScanTree::Index> DiskUsageScanProgressForm::chosenEntries() const
+{
+    return entriesOf(actingOn);
+}
+
+void DiskUsageScanProgressForm::onPrepareActions(QWidget* view)
+{
+    actingOn = view;
+    const std::vector<ScanTree::Index> entries = entriesOf(view);
+    const bool idle = !changes.isBusy() && changes.scan().tree;
+    const bool any = !entries.empty();
+    const bool removable = idle && any && std::find(entries.begin(), entries.end(), 0) == entries.end();
+    actions.open.setEnabled(entries.size() == 1);
+    actions.showInFolder.setEnabled(any);
+    actions.copyPath.setEnabled(any);
+    actions.refresh.setEnabled(idle && any);
+    actions.refreshAll.setEnabled(idle);
+    actions.moveToTrash.setEnabled(removable);
+    actions.deletePermanently.setEnabled(removable);
+}
+
+void DiskUsageScanProgressForm::onOpen()
+{
+    const std::vector<ScanTree::Index> entries = chosenEntries();
+    if (entries.size() != 1)
+        return;
+    const ScanTree& tree = *changes.scan().tree;
+    if (tree.node(entries.front()).isFolder())
+        ShellActions::exploreFolder(tree.shownPath(entries.front()), this);
+    else
+        ShellActions::openFile(tree.path(entries.front()), this);
+}
+
+void DiskUsageScanProgressForm::onShowInFolder()
+{
+    const std::vector<ScanTree::Index> entries = chosenEntries();
+    if (entries.empty())
+        return;
+    const ScanTree& tree = *changes.scan().tree;
+    if (tree.node(entries.front()).isFolder())
+        ShellActions::exploreFolder(tree.shownPath(entries.front()), this);
+    else
+        ShellActions::showInExplorer(tree.path(entries.front()), this);
+}
+
+void DiskUsageScanProgressForm::onCopyPath()
+{
+    QStringList paths;
+    for (ScanTree::Index entry : chosenEntries())
+        paths << changes.scan().tree->shownPath(entry);
+    if (!paths.isEmpty())
+        QGuiApplication::clipboard()->setText(paths.join('\n'));
+}
+
+// A file is read again with its folder.
+void DiskUsageScanProgressForm::onRefresh()
+{
+    const ScanTree& tree = *changes.scan().tree;
+    std::vector<ScanTree::Index> folders;
+    for (ScanTree::Index entry : chosenEntries())
+        folders.push_back(tree.node(entry).isFolder() ? entry : tree.node(entry).parent);
+    if (folders.empty() || changes.isBusy())
+        return;
+    onChangesStarted(folders.size() == 1
+                         ? QStringLiteral("Reading %1 again...").arg(tree.nameText(folders.front()))
+                         : QStringLiteral("Reading %1 folders again...").arg(folders.size()));
+    changes.refresh(folders);
+}
+
+void DiskUsageScanProgressForm::onRefreshAll()
+{
+    if (changes.isBusy() || !changes.scan().tree)
+        return;
+    onChangesStarted(QStringLiteral("Reading everything again..."));
+    changes.refresh({0});
+}
+
+void DiskUsageScanProgressForm::onRemove(ResultChanges::Removal how)
+{
+    if (changes.isBusy() || !changes.scan().tree)
+        return;
+    const ScanTree& tree = *changes.scan().tree;
+    std::vector<ScanTree::Index> entries = ResultChanges::outermost(tree, chosenEntries());
+    entries.erase(std::remove(entries.begin(), entries.end(), 0), entries.end());
+    if (entries.empty())
+        return;
+    const RemovalQuestion question(tree, entries, how);
+    if (!question.ask(this))
+        return;
+    onChangesStarted(how == ResultChanges::Removal::ToTrash
+                         ? QStringLiteral("Moving to the %1...").arg(RemovalQuestion::trashName())
+                         : QStringLiteral("Deleting..."));
+    changes.remove(entries, how);
+}
+
+// Back would let go of the results the work reads.
+void DiskUsageScanProgressForm::onChangesStarted(const QString& doing)
+{
+    ui->backButton->setEnabled(false);
+    ui->changeStatusLabel->setText(doing);
+    ui->changeStatusLabel->setToolTip({});
+    ui->changeStatusLabel->show();
+}
+
+// Everything follows the changed scan; the tree keeps the user's place.
+void DiskUsageScanProgressForm::onScanChanged()
+{
+    const ScanResult& result = changes.scan();
+    const FolderTreeView::Place place = ui->treeView->place();
+    const std::optional<int> category = ui->dataFilesTreeView->selectedCategory();
+    generalModel.setTree(result.tree, oneDrivePath);
+    ui->treeView->restore(place);
+    biggestFilesModel.setFiles(result.biggestFiles);
+    dataFilesModel.setCategories(result.categories);
+    if (category)
+        ui->dataFilesTreeView->setCurrentIndex(dataFilesModel.index(*category, 0));
+    ui->treemapView->follow(result.tree);
+    onFolderSelected();
+    showUnreadable(result.unreadable);
+    showVolumeSummary(result);
+}
+
+void DiskUsageScanProgressForm::onChangesFinished(const QList<ResultChanges::Failure>& failures)
+{
+    ui->backButton->setEnabled(true);
+    QLabel* label = ui->changeStatusLabel;
+    label->setVisible(!failures.isEmpty());
+    if (failures.isEmpty())
+        return;
+    const ResultChanges::Failure& first = failures.first();
+    QString text = QStringLiteral("Could not remove %1: %2").arg(first.path, first.reason);
+    if (failures.size() > 1)
+        text += QStringLiteral(" (and %1 more)").arg(failures.size() - 1);
+    QStringList lines;
+    for (const ResultChanges::Failure& failure : failures)
+        lines << failure.path + QStringLiteral(": ") + failure.reason;
+    label->setText(text);
+    label->setToolTip(lines.join('\n'));
 }

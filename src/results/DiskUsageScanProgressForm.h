@@ -3,6 +3,8 @@
 #include "BiggestFilesModel.h"
 #include "CategoryModel.h"
 #include "FolderTreeModel.h"
+#include "ResultActions.h"
+#include "ResultChanges.h"
 #include "ScanController.h"
 
 #include <QPointer>
@@ -44,7 +46,7 @@ private:
     [[nodiscard]] DiskUsageScanInfoForm* addScanPanel();
     void onScanCancel();
     void onResults();
-    void showResults(ScanResult result);
+    void showResults();
     void showUnreadable(const QStringList& folders);
     void showVolumeSummary(const ScanFigures& result);
     void onFolderSelected();
@@ -56,8 +58,27 @@ private:
     void startRelease();
     void onReleased();
 
+    // Acting on what the lists and the map have selected.
+    void setUpActions();
+    [[nodiscard]] std::vector<ScanTree::Index> entriesOf(const QWidget* view) const;
+    [[nodiscard]] std::vector<ScanTree::Index> chosenEntries() const;
+    void onPrepareActions(QWidget* view);
+    void onOpen();
+    void onShowInFolder();
+    void onCopyPath();
+    void onRefresh();
+    void onRefreshAll();
+    void onRemove(ResultChanges::Removal how);
+    void onChangesStarted(const QString& doing);
+    void onScanChanged();
+    void onChangesFinished(const QList<ResultChanges::Failure>& failures);
+
     std::unique_ptr<Ui::DiskUsageScanProgressForm> ui;
     ScanController scan;
+    ScanRequest request; // repeated for a folder read again
+    ResultChanges changes;
+    ResultActions actions;
+    QWidget* actingOn = nullptr; // the list or map the actions were last prepared for
     QString scannedFolder;
     QString oneDrivePath;
     bool cancelled = false;
@@ -66,6 +87,5 @@ private:
     FolderTreeModel generalModel;
     BiggestFilesModel biggestFilesModel;
     CategoryModel dataFilesModel;
-    QList<QList<DiskUsageGlobal::TMainDataFile>> dataFiles;
     QPointer<DiskUsageScanInfoForm> scanPanel;
 };

@@ -3,7 +3,10 @@
 #include "ResultView.h"
 #include "scan/ScanTree.h"
 
+#include <QStringList>
+
 #include <optional>
+#include <vector>
 
 class FolderTreeModel;
 
@@ -22,7 +25,24 @@ public:
     // Lets go of the model and what draws its bars.
     void letGo();
     [[nodiscard]] std::optional<ScanTree::Index> selectedFolder() const;
+    // Every folder selected, in the order of the rows.
+    [[nodiscard]] std::vector<ScanTree::Index> selectedFolders() const;
+
+    // Where the user is in the tree, by paths, so that it outlives the tree
+    // it was taken from.
+    struct Place {
+        QStringList expanded;
+        QStringList selected;
+        QString current;
+        int scroll = 0;
+    };
+    [[nodiscard]] Place place() const;
+    // Goes back to a place in the model's present tree: a folder that is gone
+    // gives way to the nearest one above it that is not.
+    void restore(const Place& place);
 
 private:
     void widenNameColumn();
+    [[nodiscard]] FolderTreeModel* folders() const;
+    [[nodiscard]] QModelIndex rowOf(const QString& path) const;
 };

@@ -61,6 +61,25 @@ void TreemapView::setSource(std::shared_ptr<const ScanTree> source)
         emit zoomChanged(tree->shownPath(0));
 }
 
+// The picture shown stays until the new one is painted; what it points at,
+// by the old tree's numbers, goes at once.
+void TreemapView::follow(std::shared_ptr<const ScanTree> changed)
+{
+    const QString place = tree ? tree->path(top) : QString();
+    tree = std::move(changed);
+    if (!tree)
+        return clear();
+    cells.clear();
+    highlighted = ScanTree::none;
+    ++generation;
+    top = tree->locateNearest(place);
+    if (isVisible())
+        render();
+    else
+        image = QImage();
+    emit zoomChanged(tree->shownPath(top));
+}
+
 void TreemapView::clear()
 {
     tree.reset();
@@ -164,7 +183,9 @@ int TreemapView::cellAt(const QPoint& point) const
 void TreemapView::mousePressEvent(QMouseEvent* event)
 {
     const int cell = cellAt(event->position().toPoint());
-    if (event->button() != Qt::LeftButton || cell < 0)
+    // A right click chooses too: the context menu acts on what it points at.
+    const bool choosing = event->button() == Qt::LeftButton || event->button() == Qt::RightButton;
+    if (!choosing || cell < 0)
         return QWidget::mousePressEvent(event);
     emit folderClicked(TreemapLayout::folderOf(cells[std::size_t(cell)].block));
 }

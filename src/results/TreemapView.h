@@ -25,6 +25,9 @@ public:
 
     // The scan to map; it is laid out the first time the map is shown.
     void setSource(std::shared_ptr<const ScanTree> tree);
+    // The same scan, changed: the map goes on showing the folder it showed,
+    // or the nearest one above it that is still there.
+    void follow(std::shared_ptr<const ScanTree> changed);
     // Lets go of the scan and everything drawn of it.
     void clear();
     // Outlines a folder's rectangle (or its nearest folder shown).

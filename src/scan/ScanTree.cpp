@@ -108,6 +108,16 @@ ScanTree::Index ScanTree::locate(const QString& path) const
     return found;
 }
 
+ScanTree::Index ScanTree::locateNearest(QString path) const
+{
+    Index found = locate(path);
+    while (found == none && path.size() > root.size()) {
+        path.truncate(std::max(path.lastIndexOf('/'), path.lastIndexOf(QDir::separator())));
+        found = locate(path);
+    }
+    return found == none ? 0 : found;
+}
+
 void ScanTree::setLinkedFile(Index file, std::uint64_t id)
 {
     linkedFiles.push_back({file, id});

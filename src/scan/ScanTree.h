@@ -94,6 +94,9 @@ public:
     // The node a path leads to, by its names below the scanned folder; none
     // when the tree holds no such entry.
     [[nodiscard]] Index locate(const QString& path) const;
+    // The node of the path, or of the nearest folder above it the tree holds:
+    // the scanned folder at worst.
+    [[nodiscard]] Index locateNearest(QString path) const;
     // Adds a child's name to its folder's path; belowRoot when the folder is
     // the scanned one.
     void appendChildPath(QString& folderPath, Index child, bool belowRoot) const;
