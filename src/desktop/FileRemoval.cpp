@@ -4,6 +4,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QStandardPaths>
 
 #include <filesystem>
 #include <system_error>
@@ -62,10 +63,20 @@ void removeTree(const fs::path& top, FirstFailure& failure)
 
 FileRemoval::Outcome FileRemoval::moveToTrash(const QString& path)
 {
+#ifndef Q_OS_WIN
+    // Without the user's data folder, Qt 6.4 makes its trash folders in the
+    // working folder rather than fail.
+    QDir().mkpath(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation));
+#endif
     QFile entry(path);
-    if (entry.moveToTrash())
-        return {};
-    return {entry.errorString(), QDir::toNativeSeparators(path)};
+    if (!entry.moveToTrash())
+        return {entry.errorString(), QDir::toNativeSeparators(path)};
+    if (QDir::isRelativePath(entry.fileName())) {
+        QFile::rename(entry.fileName(), path);
+        return {QStringLiteral("No trash folder could be made for it"),
+                QDir::toNativeSeparators(path)};
+    }
+    return {};
 }
 
 FileRemoval::Outcome FileRemoval::removePermanently(const QString& path)

@@ -14,6 +14,7 @@
 DiskUsageScanProgressForm::DiskUsageScanProgressForm(QWidget* parent)
     : QWidget(parent)
     , ui(std::make_unique<Ui::DiskUsageScanProgressForm>())
+    , changes(this)
 {
     ui->setupUi(this);
     setUpMap();
@@ -246,9 +247,9 @@ void DiskUsageScanProgressForm::onReleased()
 void DiskUsageScanProgressForm::setUpActions()
 {
     using Form = DiskUsageScanProgressForm;
-    for (QWidget* view : {static_cast<QWidget*>(ui->treeView),
-                          static_cast<QWidget*>(ui->biggestFileTreeView),
-                          static_cast<QWidget*>(ui->treemapView)})
+    for (QWidget* view :
+         {static_cast<QWidget*>(ui->treeView), static_cast<QWidget*>(ui->biggestFileTreeView),
+          static_cast<QWidget*>(ui->treemapView)})
         actions.attachTo(view);
     connect(&actions, &ResultActions::prepare, this, &Form::onPrepareActions);
     connect(&actions.open, &QAction::triggered, this, &Form::onOpen);
@@ -299,7 +300,8 @@ void DiskUsageScanProgressForm::onPrepareActions(QWidget* view)
     const std::vector<ScanTree::Index> entries = entriesOf(view);
     const bool idle = !changes.isBusy() && changes.scan().tree;
     const bool any = !entries.empty();
-    const bool removable = idle && any && std::find(entries.begin(), entries.end(), 0) == entries.end();
+    const bool removable =
+        idle && any && std::find(entries.begin(), entries.end(), 0) == entries.end();
     actions.open.setEnabled(entries.size() == 1);
     actions.showInFolder.setEnabled(any);
     actions.copyPath.setEnabled(any);

@@ -111,8 +111,8 @@ void FolderTreeView::restore(const Place& place)
     QItemSelection chosen;
     for (const QString& path : place.selected)
         chosen.select(rowOf(path), rowOf(path));
-    selectionModel()->select(chosen, QItemSelectionModel::ClearAndSelect |
-                                         QItemSelectionModel::Rows);
+    selectionModel()->select(chosen,
+                             QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
     verticalScrollBar()->setValue(place.scroll);
 }
 

@@ -32,8 +32,8 @@ ResultActions::~ResultActions() = default;
 
 QList<QAction*> ResultActions::all()
 {
-    return {&open,        &showInFolder, &copyPath,          &refresh,
-            &refreshAll,  &moveToTrash,  &deletePermanently, &find};
+    return {&open,       &showInFolder, &copyPath,          &refresh,
+            &refreshAll, &moveToTrash,  &deletePermanently, &find};
 }
 
 void ResultActions::attachTo(QWidget* view)
