@@ -18,8 +18,10 @@ MainWindow::MainWindow(QWidget* parent)
     homeForm = new DiskUsageForm(settings, this);
     // A close refused while a release ran comes back once it has ended.
     connect(homeForm, &DiskUsageForm::closeApp, this, &QWidget::close);
-    connect(homeForm, &DiskUsageForm::settingsSaved, this,
-            [this](const Settings& saved) { settings = saved; });
+    connect(homeForm, &DiskUsageForm::settingsSaved, this, [this](const Settings& saved) {
+        settings = saved;
+        emit settingsSaved(settings);
+    });
     homeForm->show();
     stackedLayout->addWidget(homeForm);
     ui->centralwidget->setLayout(stackedLayout);

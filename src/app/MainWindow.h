@@ -25,6 +25,12 @@ public:
 
     // Shows the results of a folder as when the user picks it on the home screen.
     void scanFolder(const QString& path);
+    // What the options page saved last, or what was stored at start.
+    [[nodiscard]] const Settings& currentSettings() const { return settings; }
+
+signals:
+    // The options page stored new settings.
+    void settingsSaved(const Settings& settings);
 
 protected:
     void closeEvent(QCloseEvent* event) override;

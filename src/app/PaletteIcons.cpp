@@ -4,8 +4,12 @@
 #include <QEvent>
 #include <QImage>
 #include <QPixmap>
+#include <QVariant>
 
 namespace {
+
+const char* const plainIconProperty = "tallyrootPlainIcon";
+const char* const inkedKeyProperty = "tallyrootInkedIconKey";
 
 // Darker than this is ink; the icons' coloured parts are all lighter.
 constexpr int inkLightness = 90;
@@ -47,11 +51,30 @@ QIcon PaletteIcons::inked(const QIcon& icon, QSize size, const QColor& ink)
 
 bool PaletteIcons::eventFilter(QObject* watched, QEvent* event)
 {
-    if (event->type() == QEvent::Polish) {
-        auto* button = qobject_cast<QAbstractButton*>(watched);
-        if (button && !button->icon().isNull() && isDark(button->palette()))
-            button->setIcon(inked(button->icon(), button->iconSize(),
-                                  button->palette().color(QPalette::ButtonText)));
+    const QEvent::Type type = event->type();
+    if (type == QEvent::Polish || type == QEvent::PaletteChange) {
+        if (auto* button = qobject_cast<QAbstractButton*>(watched))
+            ink(button);
     }
     return QObject::eventFilter(watched, event);
+}
+
+// The button keeps its own icon in a property, so that a later palette inks
+// the original rather than the last inking. An icon that is not the one set
+// here last was given by the program since, and is the new original.
+void PaletteIcons::ink(QAbstractButton* button)
+{
+    if (button->icon().isNull())
+        return;
+    const bool dark = isDark(button->palette());
+    if (button->icon().cacheKey() != button->property(inkedKeyProperty).toLongLong()) {
+        if (!dark)
+            return;
+        button->setProperty(plainIconProperty, button->icon());
+    }
+    const auto plain = button->property(plainIconProperty).value<QIcon>();
+    button->setIcon(
+        dark ? inked(plain, button->iconSize(), button->palette().color(QPalette::ButtonText))
+             : plain);
+    button->setProperty(inkedKeyProperty, button->icon().cacheKey());
 }

@@ -4,9 +4,13 @@
 #include <QObject>
 #include <QPalette>
 
+class QAbstractButton;
+
 // Our toolbar and button icons are drawn in dark ink for light windows. With a
 // dark palette, the ink of every button's icon takes the palette's button
-// text colour as the button is first shown; the icons' colours stay.
+// text colour as the button is first shown, and again when the palette
+// changes; back in a light palette the button gets its own icon back. The
+// icons' colours stay.
 class PaletteIcons : public QObject {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(PaletteIcons)
@@ -20,4 +24,7 @@ public:
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    static void ink(QAbstractButton* button);
 };

@@ -1,3 +1,4 @@
+#include "Appearance.h"
 #include "MainWindow.h"
 #include "PaletteIcons.h"
 #include "platform/NativeText.h"
@@ -39,7 +40,13 @@ int main(int argc, char* argv[])
     QApplication app(argc, argv);
     QApplication::setStyle(QStringLiteral("Fusion"));
     app.installEventFilter(new PaletteIcons(&app));
+    // Applied before the first window is made, so that it opens in its colours.
+    Appearance appearance;
+    appearance.apply(AppearanceSetting::load());
+    appearance.followDesktopChanges();
     MainWindow window;
+    QObject::connect(&window, &MainWindow::settingsSaved, &appearance,
+                     [&appearance](const Settings& saved) { appearance.apply(saved.appearance); });
     window.show();
     // Qt has taken its own options out by now. The desktop hands over what
     // was dropped on the icon: the first folder is scanned.

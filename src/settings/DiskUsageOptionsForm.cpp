@@ -1,5 +1,6 @@
 #include "DiskUsageOptionsForm.h"
 
+#include "AppearanceSetting.h"
 #include "DiskUsageEditFileTypesDialog.h"
 #include "ExclusionSettings.h"
 #include "FileTypeCatalogue.h"
@@ -59,6 +60,8 @@ DiskUsageOptionsForm::DiskUsageOptionsForm(QWidget* parent)
     }
     connect(ui->excludeOneDrivecheckBox, &QCheckBox::toggled, this,
             &DiskUsageOptionsForm::onOneDriveToggled);
+    connect(ui->appearanceComboBox, &QComboBox::currentIndexChanged, this,
+            &DiskUsageOptionsForm::onAppearanceChosen);
     connect(ui->excludeRemoveButton, &QAbstractButton::clicked, this,
             &DiskUsageOptionsForm::onRemoveFolder);
     connect(ui->openOneDriveButton, &QAbstractButton::clicked, this,
@@ -81,6 +84,8 @@ void DiskUsageOptionsForm::edit(const Settings& settings)
     showExclusions();
     showFileTypes(settings.catalogue);
     ui->excludeOneDrivecheckBox->setChecked(settings.excludeOneDrive);
+    // The combo box lists the choices in their enum order.
+    ui->appearanceComboBox->setCurrentIndex(int(settings.appearance));
     const QString oneDrive = SettingsStore::oneDrivePath();
     ui->oneDriveInfoLabel->setText(oneDrive);
     ui->openOneDriveButton->setEnabled(!oneDrive.isEmpty());
@@ -150,6 +155,7 @@ void DiskUsageOptionsForm::writeSettings(bool excludeOneDrive)
         SettingsStore::writeString(QStringLiteral("FileTypeData%1").arg(row),
                                    storedText(fileTypes.at(row)));
     SettingsStore::writeDword(QStringLiteral("ExcludeOneDriveFolder"), excludeOneDrive ? 1 : 0);
+    AppearanceSetting::write(AppearanceChoice(ui->appearanceComboBox->currentIndex()));
 }
 
 // The settings keep their flags until "Save"; a click only tells whether the
@@ -181,6 +187,12 @@ void DiskUsageOptionsForm::onExcludedFolderClicked(QTreeWidgetItem* item)
 }
 
 void DiskUsageOptionsForm::onOneDriveToggled()
+{
+    if (loaded)
+        ui->saveButton->setEnabled(true);
+}
+
+void DiskUsageOptionsForm::onAppearanceChosen()
 {
     if (loaded)
         ui->saveButton->setEnabled(true);

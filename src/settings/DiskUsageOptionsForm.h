@@ -13,7 +13,8 @@ class DiskUsageOptionsForm;
 }
 
 // The "Options" tab: which file-type categories a scan sorts files into and
-// with which extensions, and which folders scans leave out. The page edits a
+// with which extensions, which folders scans leave out, and whether the
+// program is light, dark or as the desktop asks. The page edits a
 // copy of the settings; changes collect in it (its trees and its own list of
 // excluded folders) and are handed back once "Save" has stored them, so a scan
 // never sees them unsaved. An enabled "Save" means there are unsaved changes.
@@ -42,6 +43,7 @@ private:
     void onFileTypeClicked(QTreeWidgetItem* item);
     void onExcludedFolderClicked(QTreeWidgetItem* item);
     void onOneDriveToggled();
+    void onAppearanceChosen();
     void onRemoveFolder();
     void onOpenOneDrive();
     void onAddFolder();

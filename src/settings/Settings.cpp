@@ -5,7 +5,7 @@
 
 Settings Settings::defaults()
 {
-    return {FileTypeCatalogue::defaults(), {}, false};
+    return {FileTypeCatalogue::defaults(), {}, false, AppearanceChoice::FollowSystem};
 }
 
 Settings Settings::load()
@@ -16,5 +16,6 @@ Settings Settings::load()
         settings.catalogue = FileTypeCatalogue::defaults();
     settings.exclusions = ExclusionSettings::load();
     settings.excludeOneDrive = ExclusionSettings::loadExcludeOneDrive();
+    settings.appearance = AppearanceSetting::load();
     return settings;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "AppearanceSetting.h"
 #include "ExcludeEntry.h"
 #include "FileTypeCategory.h"
 
@@ -15,8 +16,11 @@ struct Settings {
     QList<ExcludeEntry> exclusions;
     // Whether the OneDrive folder is left out of scans.
     bool excludeOneDrive = false;
+    // Light or dark colours, or as the desktop asks.
+    AppearanceChoice appearance = AppearanceChoice::FollowSystem;
 
-    // The built-in categories, no exclusions, OneDrive included.
+    // The built-in categories, no exclusions, OneDrive included, colours as
+    // the desktop asks.
     [[nodiscard]] static Settings defaults();
     // What the settings store holds; the built-in categories where it holds none.
     [[nodiscard]] static Settings load();

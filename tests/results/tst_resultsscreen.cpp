@@ -1,6 +1,7 @@
 #include "IsolatedSettings.h"
 #include "NextModal.h"
 #include "TestSupport.h"
+#include "app/Appearance.h"
 #include "app/PaletteIcons.h"
 #include "platform/Shell.h"
 #include "platform/Volumes.h"
@@ -622,18 +623,6 @@ void TestResultsScreen::longPathsReachTheFileManager()
 
 namespace {
 
-QPalette darkPalette()
-{
-    QPalette dark;
-    const QColor window(0x30, 0x30, 0x30);
-    for (const auto role :
-         {QPalette::Window, QPalette::Button, QPalette::Base, QPalette::AlternateBase})
-        dark.setColor(role, role == QPalette::Base ? window.darker(130) : window);
-    for (const auto role : {QPalette::WindowText, QPalette::ButtonText, QPalette::Text})
-        dark.setColor(role, QColor(0xee, 0xee, 0xee));
-    return dark;
-}
-
 // Opaque pixels that stand out from the colour behind them: the ink of a text
 // or an icon, as its mean lightness.
 int inkLightness(const QImage& image, const QColor& behind, int* count)
@@ -662,7 +651,7 @@ void TestResultsScreen::textsAndIconsReadInLightAndDarkPalettes_data()
     QTest::addColumn<QPalette>("palette");
     const std::unique_ptr<QStyle> fusion(QStyleFactory::create("Fusion"));
     QTest::newRow("light") << fusion->standardPalette();
-    QTest::newRow("dark") << darkPalette();
+    QTest::newRow("dark") << Appearance::darkPalette();
 }
 
 void TestResultsScreen::textsAndIconsReadInLightAndDarkPalettes()

@@ -5,6 +5,7 @@
 //   tallyroot-screens OUTDIR [--dark] [--drive PATH] [--only NAME]...
 
 #include "IsolatedSettings.h"
+#include "app/Appearance.h"
 #include "app/MainWindow.h"
 #include "app/PaletteIcons.h"
 #include "results/DiskUsageScanProgressForm.h"
@@ -102,24 +103,6 @@ bool makeSampleTree(const QString& root)
             return false;
     }
     return true;
-}
-
-QPalette darkPalette()
-{
-    QPalette dark;
-    const QColor window(0x2d, 0x2d, 0x30);
-    const QColor text(0xe8, 0xe8, 0xe8);
-    dark.setColor(QPalette::Window, window);
-    dark.setColor(QPalette::Button, window.lighter(120));
-    dark.setColor(QPalette::Base, QColor(0x1e, 0x1e, 0x1e));
-    dark.setColor(QPalette::AlternateBase, window);
-    dark.setColor(QPalette::ToolTipBase, window);
-    for (const auto role :
-         {QPalette::WindowText, QPalette::ButtonText, QPalette::Text, QPalette::ToolTipText})
-        dark.setColor(role, text);
-    dark.setColor(QPalette::Highlight, QColor(0x26, 0x4f, 0x78));
-    dark.setColor(QPalette::HighlightedText, Qt::white);
-    return dark;
 }
 
 // Runs the event loop until the condition holds, or for at most `limit` ms.
@@ -283,8 +266,9 @@ int main(int argc, char* argv[])
     }
     QApplication::setStyle(QStringLiteral("Fusion"));
     app.installEventFilter(new PaletteIcons(&app));
-    if (options->dark)
-        QApplication::setPalette(darkPalette());
+    // The program's own light or dark, whatever this desktop asks for.
+    Appearance appearance([] { return platform::ColourScheme::Unknown; });
+    appearance.apply(options->dark ? AppearanceChoice::Dark : AppearanceChoice::Light);
     QDir().mkpath(options->outDir);
     IsolatedSettings settings;
     QTemporaryDir home;

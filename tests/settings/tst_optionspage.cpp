@@ -9,6 +9,7 @@
 #include "settings/SettingsStore.h"
 
 #include <QCheckBox>
+#include <QComboBox>
 #include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
@@ -35,6 +36,9 @@ private slots:
     void aCheckBoxToggledByKeyIsAChange();
     void restoreTheDefaults();
     void badStoredValues();
+    void theAppearanceIsSavedAndHandedBack();
+    void aMissingOrUnknownAppearanceFollowsTheSystem_data();
+    void aMissingOrUnknownAppearanceFollowsTheSystem();
 
 private:
     // A page filled from the stored settings, as the home screen makes it;
@@ -461,6 +465,61 @@ void TestOptionsPage::badStoredValues()
                     ->endsWith(now.at(row)));
     QCOMPARE(SettingsStore::readString("ExludeFolder0"),
              std::optional<QString>("0;" + path("nowhere")));
+}
+
+void TestOptionsPage::theAppearanceIsSavedAndHandedBack()
+{
+    {
+        auto form = page();
+        auto* appearance = form->findChild<QComboBox*>("appearanceComboBox");
+        QVERIFY(appearance);
+        QCOMPARE(appearance->currentText(), QStringLiteral("Follow the system"));
+        QVERIFY(!form->hasUnsavedChanges());
+        appearance->setCurrentIndex(appearance->findText(QStringLiteral("Dark")));
+        QVERIFY(form->hasUnsavedChanges());
+        // Not stored before "Save".
+        QCOMPARE(Settings::load().appearance, AppearanceChoice::FollowSystem);
+        QTest::mouseClick(button(form.get(), "saveButton"), Qt::LeftButton);
+        QVERIFY(!form->hasUnsavedChanges());
+        QCOMPARE(current.appearance, AppearanceChoice::Dark);
+        QCOMPARE(SettingsStore::readDword("Appearance"), std::optional<quint32>(2));
+    }
+    auto form = page();
+    auto* appearance = form->findChild<QComboBox*>("appearanceComboBox");
+    QCOMPARE(appearance->currentText(), QStringLiteral("Dark"));
+    QVERIFY(!form->hasUnsavedChanges());
+    appearance->setCurrentIndex(appearance->findText(QStringLiteral("Light")));
+    QVERIFY(form->save());
+    QCOMPARE(current.appearance, AppearanceChoice::Light);
+    QCOMPARE(Settings::load().appearance, AppearanceChoice::Light);
+}
+
+void TestOptionsPage::aMissingOrUnknownAppearanceFollowsTheSystem_data()
+{
+    QTest::addColumn<QString>("stored");
+    QTest::addColumn<int>("expected");
+    QTest::newRow("missing") << QString() << int(AppearanceChoice::FollowSystem);
+    QTest::newRow("0") << "0" << int(AppearanceChoice::FollowSystem);
+    QTest::newRow("1") << "1" << int(AppearanceChoice::Light);
+    QTest::newRow("2") << "2" << int(AppearanceChoice::Dark);
+    QTest::newRow("3") << "3" << int(AppearanceChoice::FollowSystem);
+    QTest::newRow("huge") << "4294967295" << int(AppearanceChoice::FollowSystem);
+    QTest::newRow("text, not a number") << "text:2" << int(AppearanceChoice::FollowSystem);
+}
+
+// A number is stored as one; "text:" stores the rest as a string instead.
+void TestOptionsPage::aMissingOrUnknownAppearanceFollowsTheSystem()
+{
+    QFETCH(QString, stored);
+    QFETCH(int, expected);
+    if (stored.startsWith(QLatin1String("text:")))
+        SettingsStore::writeString("Appearance", stored.mid(5));
+    else if (!stored.isEmpty())
+        SettingsStore::writeDword("Appearance", stored.toUInt());
+    QCOMPARE(int(Settings::load().appearance), expected);
+    auto form = page();
+    QCOMPARE(form->findChild<QComboBox*>("appearanceComboBox")->currentIndex(), expected);
+    QVERIFY(!form->hasUnsavedChanges());
 }
 
 QTEST_MAIN(TestOptionsPage)

@@ -9,6 +9,7 @@
 #include "UserFolders.h"
 #include "Volumes.h"
 #include "win32/RegistryKey.h"
+#include "win32/Win32ColourScheme.h"
 #include "win32/Win32Registry.h"
 
 #include <windows.h>
@@ -158,6 +159,23 @@ TEST_CASE(wineHasFixedDrivesCAndZ)
     CHECK(platform::volumeRootedAt(L"C:\\").has_value());
     CHECK(platform::volumeRootedAt(L"C:").has_value());
     CHECK(!platform::volumeRootedAt(L"C:\\windows").has_value());
+}
+
+// Read from the test's key, never from the user's own Personalize key.
+TEST_CASE(appsUseLightThemeGivesTheColourScheme)
+{
+    using platform::ColourScheme;
+    const std::wstring& key = platform::settingsKey();
+    CHECK(win32::appsColourScheme(HKEY_CURRENT_USER, key) == ColourScheme::Unknown);
+    CHECK(win32::writeDwordValue(HKEY_CURRENT_USER, key, L"AppsUseLightTheme", 0));
+    CHECK(win32::appsColourScheme(HKEY_CURRENT_USER, key) == ColourScheme::Dark);
+    CHECK(win32::writeDwordValue(HKEY_CURRENT_USER, key, L"AppsUseLightTheme", 1));
+    CHECK(win32::appsColourScheme(HKEY_CURRENT_USER, key) == ColourScheme::Light);
+    CHECK(win32::writeStringValue(HKEY_CURRENT_USER, key, L"AppsUseLightTheme", L"0"));
+    CHECK(win32::appsColourScheme(HKEY_CURRENT_USER, key) == ColourScheme::Unknown);
+    CHECK(win32::appsColourScheme(HKEY_CURRENT_USER, L"Software\\NoSuchKey\\Anywhere") ==
+          ColourScheme::Unknown);
+    RegDeleteKeyValueW(HKEY_CURRENT_USER, key.c_str(), L"AppsUseLightTheme");
 }
 
 TEST_CASE(theFullScreenAreaIsKnown)
