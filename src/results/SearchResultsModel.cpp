@@ -7,7 +7,6 @@
 #include <QStyle>
 
 #include <algorithm>
-#include <numeric>
 #include <unordered_map>
 
 using namespace SearchColumn;
@@ -20,48 +19,29 @@ bool stopped(const std::atomic<bool>* stop)
     return stop && stop->load(std::memory_order_relaxed);
 }
 
-// One key per row, made once, so that a sort of a million rows does not make
-// a million texts at each comparison. Empty once `stop` is set.
-template <typename Key, typename Make>
-std::vector<Key> keysOf(const std::vector<Index>& rows, const std::atomic<bool>* stop, Make&& make)
-{
-    std::vector<Key> keys;
-    keys.reserve(rows.size());
-    for (Index node : rows) {
-        if ((keys.size() & 0xfff) == 0 && stopped(stop))
-            return {};
-        keys.push_back(make(node));
-    }
-    return keys;
-}
-
-template <typename Key>
-std::vector<Index> orderedBy(const std::vector<Index>& rows, const std::vector<Key>& keys,
-                             Qt::SortOrder order)
-{
-    std::vector<std::uint32_t> positions(rows.size());
-    std::iota(positions.begin(), positions.end(), 0u);
-    if (order == Qt::AscendingOrder)
-        std::stable_sort(positions.begin(), positions.end(),
-                         [&](std::uint32_t a, std::uint32_t b) { return keys[a] < keys[b]; });
-    else
-        std::stable_sort(positions.begin(), positions.end(),
-                         [&](std::uint32_t a, std::uint32_t b) { return keys[b] < keys[a]; });
-    std::vector<Index> ordered;
-    ordered.reserve(rows.size());
-    for (std::uint32_t position : positions)
-        ordered.push_back(rows[position]);
-    return ordered;
-}
-
+// Each row beside its key, made once, so that a sort of a million rows does
+// not make a million texts at each comparison, and the keys are read in
+// order. The rows as they were once `stop` is set.
 template <typename Key, typename Make>
 std::vector<Index> sortedBy(std::vector<Index> rows, Qt::SortOrder order,
                             const std::atomic<bool>* stop, Make&& make)
 {
-    const std::vector<Key> keys = keysOf<Key>(rows, stop, make);
-    if (stopped(stop))
-        return rows;
-    return orderedBy(rows, keys, order);
+    std::vector<std::pair<Key, Index>> keyed;
+    keyed.reserve(rows.size());
+    for (Index node : rows) {
+        if ((keyed.size() & 0xfff) == 0 && stopped(stop))
+            return rows;
+        keyed.emplace_back(make(node), node);
+    }
+    if (order == Qt::AscendingOrder)
+        std::stable_sort(keyed.begin(), keyed.end(),
+                         [](const auto& a, const auto& b) { return a.first < b.first; });
+    else
+        std::stable_sort(keyed.begin(), keyed.end(),
+                         [](const auto& a, const auto& b) { return b.first < a.first; });
+    for (std::size_t row = 0; row < rows.size(); ++row)
+        rows[row] = keyed[row].second;
+    return rows;
 }
 
 } // namespace
