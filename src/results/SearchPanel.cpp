@@ -34,6 +34,7 @@ SearchPanel::SearchPanel(QWidget* parent)
     connect(view->header(), &QHeaderView::sortIndicatorChanged, this, &SearchPanel::onSortChanged);
     connect(view, &QTreeView::doubleClicked, this, &SearchPanel::onRowDoubleClicked);
     view->installEventFilter(this);
+    ui->searchEdit->installEventFilter(this);
 
     connect(ui->searchEdit, &QLineEdit::textChanged, this, &SearchPanel::onQueryChanged);
     connect(ui->regularExpressionCheckBox, &QCheckBox::toggled, this, &SearchPanel::onQueryChanged);
@@ -109,13 +110,21 @@ void SearchPanel::waitForSearches()
 
 bool SearchPanel::eventFilter(QObject* watched, QEvent* event)
 {
+    if (event->type() != QEvent::KeyPress)
+        return QWidget::eventFilter(watched, event);
+    const int key = static_cast<QKeyEvent*>(event)->key();
+    const bool enter = key == Qt::Key_Return || key == Qt::Key_Enter;
     QTreeView* view = ui->searchResultsView;
-    if (watched == view && event->type() == QEvent::KeyPress) {
-        const int key = static_cast<QKeyEvent*>(event)->key();
-        if ((key == Qt::Key_Return || key == Qt::Key_Enter) && view->currentIndex().isValid()) {
-            emit chosen(model->nodeAt(view->currentIndex().row()));
-            return true;
-        }
+    if (watched == view && enter && view->currentIndex().isValid()) {
+        emit chosen(model->nodeAt(view->currentIndex().row()));
+        return true;
+    }
+    // From the filter, Down or Enter goes on to the rows.
+    if (watched == ui->searchEdit && (enter || key == Qt::Key_Down) && model->rowCount() > 0) {
+        view->setFocus(Qt::TabFocusReason);
+        if (!view->currentIndex().isValid())
+            view->setCurrentIndex(model->index(0, Name));
+        return true;
     }
     return QWidget::eventFilter(watched, event);
 }

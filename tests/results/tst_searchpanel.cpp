@@ -292,7 +292,8 @@ void TestSearchPanel::aNewTreeRerunsTheQuery()
     QCOMPARE(sortedNames(*panel), QStringList({"d.bin"}));
     QCOMPARE(field<QLineEdit>(*panel, "searchEdit")->text(), QStringLiteral("*.bin"));
 
-    // Cleared, it holds the tree no longer and shows nothing.
+    // Cleared, it holds the tree no longer and shows nothing; given a tree
+    // again, it searches it for what the user typed.
     std::shared_ptr<const ScanTree> last = scanOf(other.path()).tree;
     const std::weak_ptr<const ScanTree> held = last;
     panel->setTree(std::move(last), {});
@@ -300,6 +301,9 @@ void TestSearchPanel::aNewTreeRerunsTheQuery()
     QVERIFY(held.expired());
     QCOMPARE(panel->resultsView()->model()->rowCount(), 0);
     QVERIFY(!field<QLineEdit>(*panel, "searchEdit")->isEnabled());
+    panel->setTree(rescan.tree, rescan.categories);
+    settle(*panel);
+    QCOMPARE(sortedNames(*panel), QStringList({"d.bin"}));
 }
 
 void TestSearchPanel::withoutATree()
@@ -323,6 +327,10 @@ void TestSearchPanel::withoutATree()
     panel.focusSearch();
     QVERIFY(edit->hasFocus());
     QCOMPARE(edit->selectedText(), QStringLiteral("song"));
+    // Down goes on to the rows, the first one current.
+    QTest::keyClick(edit, Qt::Key_Down);
+    QVERIFY(panel.resultsView()->hasFocus());
+    QCOMPARE(panel.resultsView()->currentIndex().row(), 0);
 }
 
 void TestSearchPanel::destroyingThePanelWhileItSearches()
