@@ -145,7 +145,7 @@ QVariant SearchResultsModel::data(const QModelIndex& index, int role) const
         return {};
     case Qt::TextAlignmentRole:
         if (index.column() == Size)
-            return QVariant::fromValue(Qt::AlignRight | Qt::AlignVCenter);
+            return int(Qt::AlignRight | Qt::AlignVCenter);
         return {};
     case Qt::UserRole: // the size in bytes, for whoever needs the number
         return QVariant::fromValue(quint64(scan->node(node).size));
