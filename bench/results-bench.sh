@@ -9,7 +9,8 @@
 # runs show the Map tab at 1920x1080 before Back: the time to its first
 # picture (layout and paint) and the peak memory with the map shown. Then
 # times tallyroot-scan and du -sb -l on the same tree and reports the ratios,
-# and how long a search of the whole scan takes for a few kinds of query.
+# how long a search of the whole scan takes for a few kinds of query, and how
+# long the search panel takes from a key typed to its rows shown.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 tree=${1:-/tmp/tallyroot-bench-tree}
@@ -41,4 +42,4 @@ printf 'tallyroot-scan:  %.2f s (%.2f-%.2f)  peak %d MiB\n' "$scan_seconds" "$sc
     $((scan_kib / 1024))
 printf 'du -sb -l:       %.2f s (%.2f-%.2f)\n' "$du_seconds" "$du_min" "$du_max"
 echo "ratio:           $(ratio "$results_seconds" "$du_seconds") x du, $(ratio "$results_seconds" "$scan_seconds") x tallyroot-scan"
-build/bench/tallyroot-search-bench "$tree" | grep '^search'
+build/bench/tallyroot-search-bench "$tree" 2>/dev/null | grep -E '^(search|panel)'

@@ -1,6 +1,6 @@
 #pragma once
 
-// The columns of the three result models, in the order each model holds them.
+// The columns of the result models, in the order each model holds them.
 
 // A folder row of the folder tree.
 namespace FolderColumn {
@@ -28,3 +28,8 @@ enum Column { FileName, FileSize, LastAccess, Folder, RawSize, FileOnDisk, Count
 namespace CategoryColumn {
 enum Column { Category, Total, LastAccess, Path, Mebibytes, CategoryIndex, Count };
 } // namespace CategoryColumn
+
+// A row of the search results.
+namespace SearchColumn {
+enum Column { Name, Folder, Size, Type, Count };
+} // namespace SearchColumn
