@@ -136,6 +136,15 @@ void DiskUsageScanProgressForm::showResults()
     dataFilesModel.setCategories(result.categories);
     ui->dataFilesTreeView->showCategories(&dataFilesModel);
     ui->treemapView->setSource(generalModel.tree());
+    ui->searchPanel->setTree(result.tree, categoryNames());
+}
+
+QStringList DiskUsageScanProgressForm::categoryNames() const
+{
+    QStringList names;
+    for (const FileTypeCategory& category : changes.scan().categories)
+        names << category.name;
+    return names;
 }
 
 // A scan of a volume's root says how it adds up against the volume.
@@ -220,6 +229,8 @@ void DiskUsageScanProgressForm::startRelease()
     ui->biggestFileTreeView->setModel(nullptr);
     ui->dataFilesTreeView->setModel(nullptr);
     ui->treemapView->clear();
+    ui->searchPanel->clear();
+    ui->searchPanel->resultsView()->setModel(nullptr);
     std::shared_ptr<const ScanTree> tree = generalModel.tree();
     generalModel.clear();
     changes.setScan({}, {});
@@ -247,19 +258,24 @@ void DiskUsageScanProgressForm::onReleased()
 void DiskUsageScanProgressForm::setUpActions()
 {
     using Form = DiskUsageScanProgressForm;
-    for (QWidget* view :
-         {static_cast<QWidget*>(ui->treeView), static_cast<QWidget*>(ui->biggestFileTreeView),
-          static_cast<QWidget*>(ui->treemapView)})
-        actions.attachTo(view);
-    connect(&actions, &ResultActions::prepare, this, &Form::onPrepareActions);
-    connect(&actions.open, &QAction::triggered, this, &Form::onOpen);
-    connect(&actions.showInFolder, &QAction::triggered, this, &Form::onShowInFolder);
-    connect(&actions.copyPath, &QAction::triggered, this, &Form::onCopyPath);
-    connect(&actions.refresh, &QAction::triggered, this, &Form::onRefresh);
-    connect(&actions.refreshAll, &QAction::triggered, this, &Form::onRefreshAll);
-    connect(&actions.moveToTrash, &QAction::triggered, this,
+    const QList<QWidget*> views{ui->treeView, ui->biggestFileTreeView, ui->treemapView,
+                                ui->searchPanel->resultsView()};
+    for (QWidget* view : views)
+        resultActions.attachTo(view);
+    // Find works from anywhere on the screen.
+    resultActions.find.setShortcutContext(Qt::WidgetWithChildrenShortcut);
+    addAction(&resultActions.find);
+    connect(&resultActions, &ResultActions::prepare, this, &Form::onPrepareActions);
+    connect(&resultActions.find, &QAction::triggered, this, &Form::onFind);
+    connect(ui->searchPanel, &SearchPanel::chosen, this, &Form::onSearchChosen);
+    connect(&resultActions.open, &QAction::triggered, this, &Form::onOpen);
+    connect(&resultActions.showInFolder, &QAction::triggered, this, &Form::onShowInFolder);
+    connect(&resultActions.copyPath, &QAction::triggered, this, &Form::onCopyPath);
+    connect(&resultActions.refresh, &QAction::triggered, this, &Form::onRefresh);
+    connect(&resultActions.refreshAll, &QAction::triggered, this, &Form::onRefreshAll);
+    connect(&resultActions.moveToTrash, &QAction::triggered, this,
             [this] { onRemove(ResultChanges::Removal::ToTrash); });
-    connect(&actions.deletePermanently, &QAction::triggered, this,
+    connect(&resultActions.deletePermanently, &QAction::triggered, this,
             [this] { onRemove(ResultChanges::Removal::Permanently); });
     connect(&changes, &ResultChanges::changed, this, &Form::onScanChanged);
     connect(&changes, &ResultChanges::finished, this, &Form::onChangesFinished);
@@ -278,6 +294,8 @@ std::vector<ScanTree::Index> DiskUsageScanProgressForm::entriesOf(const QWidget*
         const std::optional<ScanTree::Index> folder = ui->treeView->selectedFolder();
         return folder ? std::vector{*folder} : std::vector<ScanTree::Index>{};
     }
+    if (view == ui->searchPanel->resultsView())
+        return ui->searchPanel->selectedNodes();
     std::vector<ScanTree::Index> entries;
     if (view == ui->biggestFileTreeView) {
         for (const QString& path : ui->biggestFileTreeView->selectedFilePaths()) {
@@ -302,13 +320,14 @@ void DiskUsageScanProgressForm::onPrepareActions(QWidget* view)
     const bool any = !entries.empty();
     const bool removable =
         idle && any && std::find(entries.begin(), entries.end(), 0) == entries.end();
-    actions.open.setEnabled(entries.size() == 1);
-    actions.showInFolder.setEnabled(any);
-    actions.copyPath.setEnabled(any);
-    actions.refresh.setEnabled(idle && any);
-    actions.refreshAll.setEnabled(idle);
-    actions.moveToTrash.setEnabled(removable);
-    actions.deletePermanently.setEnabled(removable);
+    // In the search's list, Enter shows the entry in the tree.
+    resultActions.open.setEnabled(entries.size() == 1 && view != ui->searchPanel->resultsView());
+    resultActions.showInFolder.setEnabled(any);
+    resultActions.copyPath.setEnabled(any);
+    resultActions.refresh.setEnabled(idle && any);
+    resultActions.refreshAll.setEnabled(idle);
+    resultActions.moveToTrash.setEnabled(removable);
+    resultActions.deletePermanently.setEnabled(removable);
 }
 
 void DiskUsageScanProgressForm::onOpen()
@@ -407,6 +426,7 @@ void DiskUsageScanProgressForm::onScanChanged()
     if (category)
         ui->dataFilesTreeView->setCurrentIndex(dataFilesModel.index(*category, 0));
     ui->treemapView->follow(result.tree);
+    ui->searchPanel->setTree(result.tree, categoryNames());
     onFolderSelected();
     showUnreadable(result.unreadable);
     showVolumeSummary(result);
@@ -428,4 +448,22 @@ void DiskUsageScanProgressForm::onChangesFinished(const QList<ResultChanges::Fai
         lines << failure.path + QStringLiteral(": ") + failure.reason;
     label->setText(text);
     label->setToolTip(lines.join('\n'));
+}
+
+void DiskUsageScanProgressForm::onFind()
+{
+    ui->tabWidget->setCurrentWidget(ui->searchTab);
+    ui->searchPanel->focusSearch();
+}
+
+// A file shows as its folder, chosen in the tree.
+void DiskUsageScanProgressForm::onSearchChosen(ScanTree::Index entry)
+{
+    const ScanTree& tree = *changes.scan().tree;
+    const ScanTree::Index folder = tree.node(entry).isFolder() ? entry : tree.node(entry).parent;
+    const QModelIndex row = generalModel.indexOf(folder);
+    ui->tabWidget->setCurrentWidget(ui->generalTab);
+    ui->treeView->setCurrentIndex(row);
+    ui->treeView->scrollTo(row);
+    ui->treeView->setFocus();
 }

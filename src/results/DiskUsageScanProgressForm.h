@@ -72,12 +72,15 @@ private:
     void onChangesStarted(const QString& doing);
     void onScanChanged();
     void onChangesFinished(const QList<ResultChanges::Failure>& failures);
+    void onFind();
+    void onSearchChosen(ScanTree::Index entry);
+    [[nodiscard]] QStringList categoryNames() const;
 
     std::unique_ptr<Ui::DiskUsageScanProgressForm> ui;
     ScanController scan;
     ScanRequest request; // repeated for a folder read again
     ResultChanges changes;
-    ResultActions actions;
+    ResultActions resultActions;
     QWidget* actingOn = nullptr; // the list or map the actions were last prepared for
     QString scannedFolder;
     QString oneDrivePath;

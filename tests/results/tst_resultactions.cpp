@@ -5,12 +5,14 @@
 #include "results/DiskUsageScanProgressForm.h"
 #include "results/FolderTreeView.h"
 #include "results/ResultChanges.h"
+#include "results/SearchPanel.h"
 #include "scan/DiskUsageWorkerThread.h"
 #include "scan/ScanJsonWriter.h"
 
 #include <QBuffer>
 #include <QClipboard>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMenu>
 #include <QTabWidget>
 #include <QToolButton>
@@ -116,6 +118,7 @@ private slots:
     void aHardLinkDeletedLeavesItsTwinCounted();
     void whatCannotBeRemovedIsNamedAndStays();
     void refreshingFollowsChangesMadeElsewhere();
+    void findingThenActingOnAMatch();
 
 private:
     [[nodiscard]] QString path(const QString& relative) const
@@ -383,6 +386,30 @@ void TestResultActions::refreshingFollowsChangesMadeElsewhere()
     QVERIFY(finished.wait(20000));
     expectFreshScan();
     QCOMPARE(folders->place().current, path("docs/1"));
+}
+
+void TestResultActions::findingThenActingOnAMatch()
+{
+    scan();
+    auto* search = form->findChild<SearchPanel*>();
+    QSignalSpy shown(search, &SearchPanel::resultsShown);
+    press(folderTree(), QKeySequence::Find);
+    auto* field = search->findChild<QLineEdit*>(QStringLiteral("searchEdit"));
+    QVERIFY(field->hasFocus());
+    QTest::keyClicks(field, "*.mp3");
+    QTRY_VERIFY(search->resultsView()->model()->rowCount() == 3);
+    // The largest match first; deleting it leaves the others listed.
+    QTreeView* matches = search->resultsView();
+    matches->setCurrentIndex(matches->model()->index(0, 0));
+    pressAndAnswer(matches, Qt::SHIFT | Qt::Key_Delete, QMessageBox::Yes);
+    QVERIFY(!QFileInfo::exists(path("music/song.mp3")));
+    expectFreshScan();
+    QTRY_COMPARE(matches->model()->rowCount(), 2);
+    // Enter shows a match in the tree: a file as its folder.
+    matches->setCurrentIndex(matches->model()->index(0, 0));
+    press(matches, Qt::Key_Return);
+    QCOMPARE(folderTree()->selectedFolder(), changes().scan().tree->locate(path("music")));
+    QVERIFY(folderTree()->isVisible());
 }
 
 QTEST_MAIN(TestResultActions)
