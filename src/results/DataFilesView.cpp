@@ -35,3 +35,12 @@ QString DataFilesView::selectedName() const
 {
     return selectedRow().siblingAtColumn(Category).data().toString();
 }
+
+void DataFilesView::selectNamed(const QString& name)
+{
+    for (int row = 0; model() && row < model()->rowCount(); ++row) {
+        const QModelIndex named = model()->index(row, Category);
+        if (named.data().toString() == name)
+            return setCurrentIndex(named.siblingAtColumn(0));
+    }
+}

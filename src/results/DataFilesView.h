@@ -21,4 +21,6 @@ public:
     // one, which has no files to show.
     [[nodiscard]] std::optional<int> selectedCategory() const;
     [[nodiscard]] QString selectedName() const;
+    // Selects the category of this name, wherever its total now ranks it.
+    void selectNamed(const QString& name);
 };

@@ -210,7 +210,11 @@ void DiskUsageScanProgressForm::onViewDataFiles()
     ResultDetailsDialog dialog(changes.scan().dataFiles[*category], this);
     dialog.setWindowTitle(ui->dataFilesTreeView->selectedName() +
                           QStringLiteral(" (20 Biggest Files)"));
+    resultActions.attachTo(dialog.filesView());
+    details = &dialog;
+    detailsCategory = *category;
     dialog.exec();
+    details = nullptr;
 }
 
 void DiskUsageScanProgressForm::onBack()
@@ -296,13 +300,16 @@ std::vector<ScanTree::Index> DiskUsageScanProgressForm::entriesOf(const QWidget*
     }
     if (view == ui->searchPanel->resultsView())
         return ui->searchPanel->selectedNodes();
+    QStringList paths;
+    if (view == ui->biggestFileTreeView)
+        paths = ui->biggestFileTreeView->selectedFilePaths();
+    else if (details && view == details->filesView())
+        paths = details->selectedPaths();
     std::vector<ScanTree::Index> entries;
-    if (view == ui->biggestFileTreeView) {
-        for (const QString& path : ui->biggestFileTreeView->selectedFilePaths()) {
-            const ScanTree::Index file = tree->locate(path);
-            if (file != ScanTree::none)
-                entries.push_back(file);
-        }
+    for (const QString& path : paths) {
+        const ScanTree::Index file = tree->locate(path);
+        if (file != ScanTree::none)
+            entries.push_back(file);
     }
     return entries;
 }
@@ -396,7 +403,7 @@ void DiskUsageScanProgressForm::onRemove(ResultChanges::Removal how)
     if (entries.empty())
         return;
     const RemovalQuestion question(tree, entries, how);
-    if (!question.ask(this))
+    if (!question.ask(actingOn ? actingOn->window() : this))
         return;
     onChangesStarted(how == ResultChanges::Removal::ToTrash
                          ? QStringLiteral("Moving to the %1...").arg(RemovalQuestion::trashName())
@@ -418,15 +425,16 @@ void DiskUsageScanProgressForm::onScanChanged()
 {
     const ScanResult& result = changes.scan();
     const FolderTreeView::Place place = ui->treeView->place();
-    const std::optional<int> category = ui->dataFilesTreeView->selectedCategory();
+    const QString category = ui->dataFilesTreeView->selectedName();
     generalModel.setTree(result.tree, oneDrivePath);
     ui->treeView->restore(place);
     biggestFilesModel.setFiles(result.biggestFiles);
     dataFilesModel.setCategories(result.categories);
-    if (category)
-        ui->dataFilesTreeView->setCurrentIndex(dataFilesModel.index(*category, 0));
+    ui->dataFilesTreeView->selectNamed(category);
     ui->treemapView->follow(result.tree);
     ui->searchPanel->setTree(result.tree, categoryNames());
+    if (details)
+        details->setFiles(result.dataFiles[detailsCategory]);
     onFolderSelected();
     showUnreadable(result.unreadable);
     showVolumeSummary(result);

@@ -13,6 +13,7 @@
 #include <memory>
 
 class DiskUsageScanInfoForm;
+class ResultDetailsDialog;
 
 namespace Ui {
 class DiskUsageScanProgressForm;
@@ -81,7 +82,11 @@ private:
     ScanRequest request; // repeated for a folder read again
     ResultChanges changes;
     ResultActions resultActions;
-    QWidget* actingOn = nullptr; // the list or map the actions were last prepared for
+    // The list or map the actions were last prepared for.
+    QPointer<QWidget> actingOn;
+    // The data files of one category, while their dialog is open.
+    QPointer<ResultDetailsDialog> details;
+    int detailsCategory = 0;
     QString scannedFolder;
     QString oneDrivePath;
     bool cancelled = false;

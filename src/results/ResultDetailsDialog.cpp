@@ -31,6 +31,7 @@ ResultDetailsDialog::ResultDetailsDialog(const QList<DiskUsageGlobal::TMainDataF
         {"Name", "Size", "Last Access Time", "Path", "Raw Size", "Index"});
     ui->dataFilesTreeView->setModel(&model);
     ui->dataFilesTreeView->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    ui->dataFilesTreeView->setSelectionMode(QAbstractItemView::ExtendedSelection);
     ui->dataFilesTreeView->header()->setSectionsClickable(true);
     connect(ui->dataFilesTreeView->header(), &QHeaderView::sectionClicked, this,
             &ResultDetailsDialog::onSectionClicked);
@@ -41,6 +42,34 @@ ResultDetailsDialog::ResultDetailsDialog(const QList<DiskUsageGlobal::TMainDataF
 }
 
 ResultDetailsDialog::~ResultDetailsDialog() = default;
+
+void ResultDetailsDialog::setFiles(const QList<DiskUsageGlobal::TMainDataFile>& files)
+{
+    model.removeRows(0, model.rowCount());
+    fill(files);
+    model.sort(lastSort.first < 0 ? RawSize : lastSort.first, lastSort.second);
+}
+
+QTreeView* ResultDetailsDialog::filesView() const
+{
+    return ui->dataFilesTreeView;
+}
+
+QStringList ResultDetailsDialog::selectedPaths() const
+{
+    QModelIndexList rows = ui->dataFilesTreeView->selectionModel()->selectedRows();
+    std::sort(rows.begin(), rows.end());
+    QStringList paths;
+    for (const QModelIndex& row : rows)
+        paths << pathOf(row);
+    return paths;
+}
+
+QString ResultDetailsDialog::pathOf(const QModelIndex& row)
+{
+    const QString folder = row.siblingAtColumn(Path).data().toString();
+    return platform::childPath(folder, row.siblingAtColumn(Name).data().toString());
+}
 
 void ResultDetailsDialog::fill(const QList<DiskUsageGlobal::TMainDataFile>& files)
 {
@@ -72,7 +101,8 @@ void ResultDetailsDialog::onSectionClicked(int index)
     descending = !descending;
     // Sizes sort by their value, not by their text.
     const int column = index == Size ? RawSize : index;
-    model.sort(column, descending ? Qt::DescendingOrder : Qt::AscendingOrder);
+    lastSort = {column, descending ? Qt::DescendingOrder : Qt::AscendingOrder};
+    model.sort(lastSort.first, lastSort.second);
 }
 
 QString ResultDetailsDialog::selectedPath() const
@@ -81,9 +111,8 @@ QString ResultDetailsDialog::selectedPath() const
     if (selected.isEmpty())
         return {};
     const QModelIndex row = selected.first();
-    const QString folder = row.siblingAtColumn(Path).data().toString();
-    qCDebug(lcResults) << "Length:" << folder.size();
-    return platform::childPath(folder, row.siblingAtColumn(Name).data().toString());
+    qCDebug(lcResults) << "Length:" << row.siblingAtColumn(Path).data().toString().size();
+    return pathOf(row);
 }
 
 void ResultDetailsDialog::onShowInFileManager()

@@ -2,9 +2,11 @@
 #include "NextModal.h"
 #include "TestSupport.h"
 #include "results/BiggestFilesView.h"
+#include "results/DataFilesView.h"
 #include "results/DiskUsageScanProgressForm.h"
 #include "results/FolderTreeView.h"
 #include "results/ResultChanges.h"
+#include "results/ResultDetailsDialog.h"
 #include "results/SearchPanel.h"
 #include "scan/DiskUsageWorkerThread.h"
 #include "scan/ScanJsonWriter.h"
@@ -119,6 +121,7 @@ private slots:
     void whatCannotBeRemovedIsNamedAndStays();
     void refreshingFollowsChangesMadeElsewhere();
     void findingThenActingOnAMatch();
+    void removingFromTheDataFilesDetails();
 
 private:
     [[nodiscard]] QString path(const QString& relative) const
@@ -410,6 +413,39 @@ void TestResultActions::findingThenActingOnAMatch()
     press(matches, Qt::Key_Return);
     QCOMPARE(folderTree()->selectedFolder(), changes().scan().tree->locate(path("music")));
     QVERIFY(folderTree()->isVisible());
+}
+
+void TestResultActions::removingFromTheDataFilesDetails()
+{
+    scan();
+    auto* tabs = form->findChild<QTabWidget*>();
+    tabs->setCurrentIndex(2);
+    auto* categories = form->findChild<DataFilesView*>();
+    categories->selectNamed("Audio Files");
+    QStringList before;
+    QStringList after;
+    onNextModal([&](QWidget* modal) {
+        auto* details = qobject_cast<ResultDetailsDialog*>(modal);
+        QVERIFY(details);
+        QTreeView* files = details->filesView();
+        const auto names = [files] {
+            QStringList shown;
+            for (int row = 0; row < files->model()->rowCount(); ++row)
+                shown << files->model()->index(row, 0).data().toString();
+            return shown;
+        };
+        before = names();
+        files->setCurrentIndex(files->model()->index(1, 0)); // other.mp3
+        pressAndAnswer(files, QKeySequence::Delete, QMessageBox::Yes);
+        after = names();
+    });
+    form->findChild<QToolButton*>(QStringLiteral("dataFilesViewButton"))->click();
+    QCOMPARE(before, QStringList({"song.mp3", "other.mp3", "x.mp3"}));
+    QCOMPARE(after, QStringList({"song.mp3", "x.mp3"}));
+    QVERIFY(!QFileInfo::exists(path("music/other.mp3")));
+    expectFreshScan();
+    // The category stays chosen though its total fell.
+    QCOMPARE(categories->selectedName(), QStringLiteral("Audio Files"));
 }
 
 QTEST_MAIN(TestResultActions)
