@@ -10,12 +10,14 @@
 # picture (layout and paint) and the peak memory with the map shown. Then
 # times tallyroot-scan and du -sb -l on the same tree and reports the ratios,
 # how long a search of the whole scan takes for a few kinds of query, and how
-# long the search panel takes from a key typed to its rows shown.
+# long the search panel takes from a key typed to its rows shown, and how
+# long the results take to follow a removal or a refresh (the scan changed
+# and counted again).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 tree=${1:-/tmp/tallyroot-bench-tree}
 source bench/common.sh
-prepare "$tree" tallyroot-scan tallyroot-results-bench tallyroot-search-bench
+prepare "$tree" tallyroot-scan tallyroot-results-bench tallyroot-search-bench tallyroot-edit-bench
 
 build/bench/tallyroot-results-bench "$tree" >/dev/null 2>&1 # warm the cache
 # median_line KEY ARGS...: the run whose figure after KEY is the median, and
@@ -43,3 +45,4 @@ printf 'tallyroot-scan:  %.2f s (%.2f-%.2f)  peak %d MiB\n' "$scan_seconds" "$sc
 printf 'du -sb -l:       %.2f s (%.2f-%.2f)\n' "$du_seconds" "$du_min" "$du_max"
 echo "ratio:           $(ratio "$results_seconds" "$du_seconds") x du, $(ratio "$results_seconds" "$scan_seconds") x tallyroot-scan"
 build/bench/tallyroot-search-bench "$tree" 2>/dev/null | grep -E '^(search|panel)'
+build/bench/tallyroot-edit-bench "$tree" 2>/dev/null | grep -E '^edit'

@@ -9,16 +9,21 @@
 #include "app/MainWindow.h"
 #include "app/PaletteIcons.h"
 #include "results/DiskUsageScanProgressForm.h"
+#include "results/SearchPanel.h"
 #include "results/TreemapView.h"
 
 #include <QApplication>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPainter>
 #include <QTabWidget>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <QToolButton>
+#include <QTest>
 #include <QTreeView>
 
 #include <algorithm>
@@ -134,10 +139,15 @@ public:
         if (!wanted(name))
             return true;
         QApplication::processEvents();
-        const QString file = QDir(options.outDir).filePath(name + QStringLiteral(".png"));
+        const QString file = path(name);
         const bool saved = widget->grab().save(file);
         std::printf("%s %s\n", saved ? "wrote" : "could not write", qPrintable(file));
         return saved;
+    }
+
+    [[nodiscard]] QString path(const QString& name) const
+    {
+        return QDir(options.outDir).filePath(name + QStringLiteral(".png"));
     }
 
     // The next modal dialog, once it is shown; then closes it.
@@ -200,7 +210,54 @@ bool homeAndOptions(MainWindow& window, Camera& camera)
     return ok;
 }
 
-bool results(MainWindow& window, Camera& camera, const QString& folder)
+// The window with a menu open over it, as the user sees them together.
+bool takeWithMenu(QWidget& window, QWidget* view, Camera& camera, const QString& name)
+{
+    if (!camera.wanted(name))
+        return true;
+    const QPoint at = view->rect().center() - QPoint(view->width() / 4, view->height() / 3);
+    emit view->customContextMenuRequested(at);
+    auto* menu = view->findChild<QMenu*>();
+    if (!menu)
+        return false;
+    waitFor([menu] { return menu->isVisible(); }, 2000);
+    QPixmap shot = window.grab();
+    QPainter painter(&shot);
+    painter.drawPixmap(window.mapFromGlobal(menu->pos()), menu->grab());
+    painter.end();
+    menu->close();
+    const QString file = camera.path(name);
+    const bool saved = shot.save(file);
+    std::printf("%s %s\n", saved ? "wrote" : "could not write", qPrintable(file));
+    return saved;
+}
+
+// What acting on the results looks like: the menu, the question before a
+// removal (answered No), and a search.
+bool actions(MainWindow& window, Camera& camera, DiskUsageScanProgressForm* results)
+{
+    auto* tree = child<QTreeView>(results, "treeView");
+    const QModelIndex videos = tree->model()->index(0, 0, tree->model()->index(0, 0));
+    tree->setCurrentIndex(videos);
+    tree->setFocus();
+    bool ok = takeWithMenu(window, tree, camera, QStringLiteral("results-context-menu"));
+    if (camera.wanted(QStringLiteral("results-confirm-delete"))) {
+        camera.takeNextModal(QStringLiteral("results-confirm-delete"));
+        QTest::keyClick(tree, Qt::Key_Delete);
+    }
+    auto* tabs = child<QTabWidget>(results, "tabWidget");
+    auto* search = child<SearchPanel>(results, "searchPanel");
+    tabs->setCurrentWidget(child<QWidget>(results, "searchTab"));
+    bool shown = false;
+    QObject::connect(search, &SearchPanel::resultsShown, search, [&shown] { shown = true; });
+    QTest::keyClicks(child<QLineEdit>(search, "searchEdit"), QStringLiteral("*202?*"));
+    waitFor([&shown] { return shown; }, 10'000);
+    ok = camera.take(&window, QStringLiteral("results-search")) && ok;
+    tabs->setCurrentIndex(0);
+    return ok;
+}
+
+bool results(MainWindow& window, Camera& camera, const QString& folder, Appearance& appearance)
 {
     DiskUsageScanProgressForm* results = scan(window, folder);
     if (!results)
@@ -209,12 +266,19 @@ bool results(MainWindow& window, Camera& camera, const QString& folder)
     auto* tree = child<QTreeView>(results, "treeView");
     tree->expand(tree->model()->index(0, 0));
     bool ok = camera.take(&window, QStringLiteral("results-general"));
+    if (camera.wanted(QStringLiteral("results-dark"))) {
+        appearance.apply(AppearanceChoice::Dark);
+        ok = camera.take(&window, QStringLiteral("results-dark")) && ok;
+        appearance.apply(AppearanceChoice::Light);
+    }
     tabs->setCurrentIndex(1);
     ok = camera.take(&window, QStringLiteral("results-biggest-files")) && ok;
     tabs->setCurrentIndex(3);
     auto* map = child<TreemapView>(results, "treemapView");
     waitFor([map] { return map->isRendered(); }, 10'000);
     ok = camera.take(&window, QStringLiteral("results-map")) && ok;
+    tabs->setCurrentIndex(0);
+    ok = actions(window, camera, results) && ok;
     goBack(window, results);
     return ok;
 }
@@ -279,10 +343,13 @@ int main(int argc, char* argv[])
     window.resize(1000, 620);
     window.show();
     bool ok = homeAndOptions(window, camera);
-    const QStringList resultScreens = {"results-general", "results-biggest-files", "results-map"};
+    const QStringList resultScreens = {"results-general",      "results-biggest-files",
+                                       "results-map",          "results-dark",
+                                       "results-context-menu", "results-confirm-delete",
+                                       "results-search"};
     if (std::any_of(resultScreens.begin(), resultScreens.end(),
                     [&camera](const QString& name) { return camera.wanted(name); })) {
-        ok = makeSampleTree(samples) && results(window, camera, samples) && ok;
+        ok = makeSampleTree(samples) && results(window, camera, samples, appearance) && ok;
     }
     if (!options->drive.isEmpty())
         ok = drive(window, camera, options->drive) && ok;
