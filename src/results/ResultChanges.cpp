@@ -35,8 +35,10 @@ ResultChanges::ResultChanges(QObject* parent)
 
 ResultChanges::~ResultChanges()
 {
-    if (worker)
+    if (worker) {
         worker->wait();
+        delete worker;
+    }
 }
 
 void ResultChanges::setScan(ScanResult scan, ScanRequest scanRequest)

@@ -5,7 +5,6 @@
 #include "platform/NativeText.h"
 
 #include <QDir>
-#include <QRegularExpression>
 
 #include <algorithm>
 #include <charconv>
@@ -81,20 +80,19 @@ void ScanTree::appendChildPath(QString& folderPath, Index child, bool belowRoot)
         folderPath.append(QDir::separator()).append(nameText(child));
 }
 
+// Either separator may stand in a path on Windows: both are made the system's.
 ScanTree::Index ScanTree::locate(const QString& path) const
 {
-    if (!path.startsWith(root))
+    const QString given = QDir::toNativeSeparators(path);
+    const QString base = QDir::toNativeSeparators(root);
+    if (!given.startsWith(base))
         return none;
-    static const QRegularExpression separators(
-        QDir::separator() == '/' ? QStringLiteral("/") : QStringLiteral("[/\\\\]"));
-    const QString below = path.mid(root.size());
-    const auto separatorAt = [](const QString& text, qsizetype at) {
-        return at >= 0 && at < text.size() && separators.match(text.mid(at, 1)).hasMatch();
-    };
-    if (!below.isEmpty() && !separatorAt(below, 0) && !separatorAt(root, root.size() - 1))
+    const QString below = given.mid(base.size());
+    const QChar separator = QDir::separator();
+    if (!below.isEmpty() && !below.startsWith(separator) && !base.endsWith(separator))
         return none; // "/data/photos" does not lie below "/data/photo"
     Index found = 0;
-    for (const QString& step : below.split(separators, Qt::SkipEmptyParts)) {
+    for (const QString& step : below.split(separator, Qt::SkipEmptyParts)) {
         const platform::NativeString wanted = platform::toNative(step);
         const Node& folder = nodes[found];
         const Index end = folder.firstChild + folder.childCount;

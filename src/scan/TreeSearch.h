@@ -43,6 +43,8 @@ private:
     // much cheaper than the expression.
     QString literal;
     bool literalIsEnough = false;
+    // Case-folded; matched without a regular expression, which is cheaper.
+    QString wildcards;
     QRegularExpression expression;
     std::uint64_t minimumSize;
 };

@@ -191,6 +191,9 @@ void TestScanEdit::locatingAPath()
     QCOMPARE(tree.locate(root() + "x"), ScanTree::none);
     for (ScanTree::Index node = 1; node < tree.size(); ++node)
         QCOMPARE(tree.locate(tree.path(node)), node);
+    // Where a path is gone, the nearest folder above it that is not.
+    QCOMPARE(tree.locateNearest(path("photos/gone/deeper")), tree.locate(path("photos")));
+    QCOMPARE(tree.locateNearest(path("nothing")), ScanTree::Index(0));
 }
 
 QTEST_GUILESS_MAIN(TestScanEdit)

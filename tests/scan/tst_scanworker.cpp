@@ -779,6 +779,9 @@ void TestScanWorker::searchFindsByNameAndSize()
     QCOMPARE(found(tree, {"song?one*"}), Names({"Song One.mp3"}));
     QCOMPARE(found(tree, {"[mn]*.txt"}), Names({"mp3s.txt", "notes.txt"}));
     QCOMPARE(found(tree, {"*.mp"}), Names());
+    QCOMPARE(found(tree, {"[!m]*.txt"}), Names({"notes.txt"}));
+    QCOMPARE(found(tree, {"*o*e*"}), Names({"Song One.mp3", "notes.txt"}));
+    QCOMPARE(found(tree, {"[a-n]*"}), Names({"Docs", "Music", "mp3s.txt", "notes.txt"}));
     // A regular expression matches anywhere in the name; one that does not compile finds nothing.
     QCOMPARE(found(tree, {"^song.(one|two)", true}), Names({"Song One.mp3", "song-two.MP3"}));
     QCOMPARE(found(tree, {"\\d{4}", true}), Names({"report 2024.pdf"}));

@@ -21,9 +21,9 @@
 #include <QPainter>
 #include <QTabWidget>
 #include <QTemporaryDir>
+#include <QTest>
 #include <QTimer>
 #include <QToolButton>
-#include <QTest>
 #include <QTreeView>
 
 #include <algorithm>
@@ -343,10 +343,9 @@ int main(int argc, char* argv[])
     window.resize(1000, 620);
     window.show();
     bool ok = homeAndOptions(window, camera);
-    const QStringList resultScreens = {"results-general",      "results-biggest-files",
-                                       "results-map",          "results-dark",
-                                       "results-context-menu", "results-confirm-delete",
-                                       "results-search"};
+    const QStringList resultScreens = {
+        "results-general",      "results-biggest-files",  "results-map",   "results-dark",
+        "results-context-menu", "results-confirm-delete", "results-search"};
     if (std::any_of(resultScreens.begin(), resultScreens.end(),
                     [&camera](const QString& name) { return camera.wanted(name); })) {
         ok = makeSampleTree(samples) && results(window, camera, samples, appearance) && ok;
