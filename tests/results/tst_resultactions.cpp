@@ -1,5 +1,6 @@
 #include "IsolatedSettings.h"
 #include "NextModal.h"
+#include "ScanSupport.h"
 #include "TestSupport.h"
 #include "results/BiggestFilesView.h"
 #include "results/DataFilesView.h"
@@ -9,10 +10,7 @@
 #include "results/ResultChanges.h"
 #include "results/ResultDetailsDialog.h"
 #include "results/SearchPanel.h"
-#include "scan/DiskUsageWorkerThread.h"
-#include "scan/ScanJsonWriter.h"
 
-#include <QBuffer>
 #include <QClipboard>
 #include <QLabel>
 #include <QLineEdit>
@@ -32,23 +30,6 @@
 #endif
 
 namespace {
-
-QByteArray jsonOf(const QString& folder, const ScanResult& result)
-{
-    QByteArray json;
-    QBuffer buffer(&json);
-    buffer.open(QIODevice::WriteOnly);
-    ScanJsonWriter(folder, result).write(buffer);
-    return json;
-}
-
-QByteArray freshJsonOf(const QString& folder)
-{
-    DiskUsageWorkerThread worker(nullptr, ScanRequest::of(folder, Settings::defaults()));
-    worker.start();
-    worker.wait();
-    return jsonOf(folder, worker.takeResult());
-}
 
 // Keeps a folder from having entries added or removed, as far as this user
 // can: for root, who may write anywhere, the file system's immutable flag.
@@ -238,7 +219,7 @@ void TestResultActions::press(QWidget* view, QKeySequence key)
 void TestResultActions::expectFreshScan()
 {
     const QByteArray shown = jsonOf(tree.path(), changes().scan());
-    QCOMPARE(shown, freshJsonOf(tree.path()));
+    QCOMPARE(shown, jsonOf(tree.path(), scanOf(tree.path())));
 }
 
 void TestResultActions::theMenusOfferWhatFits()

@@ -1,33 +1,13 @@
 #include "IsolatedSettings.h"
+#include "ScanSupport.h"
 #include "TestSupport.h"
-#include "scan/DiskUsageWorkerThread.h"
 #include "scan/ScanEdit.h"
-#include "scan/ScanJsonWriter.h"
-#include "settings/Settings.h"
 
-#include <QBuffer>
 #include <QtTest>
 
 #include <filesystem>
 
 namespace {
-
-ScanResult scanOf(const QString& folder, const Settings& settings)
-{
-    DiskUsageWorkerThread worker(nullptr, ScanRequest::of(folder, settings));
-    worker.start();
-    worker.wait();
-    return worker.takeResult();
-}
-
-QByteArray jsonOf(const QString& folder, const ScanResult& result)
-{
-    QByteArray json;
-    QBuffer buffer(&json);
-    buffer.open(QIODevice::WriteOnly);
-    ScanJsonWriter(folder, result).write(buffer);
-    return json;
-}
 
 // Names the first line where two texts part, so that a failure says what differs.
 QByteArray firstDifference(const QByteArray& edited, const QByteArray& fresh)
