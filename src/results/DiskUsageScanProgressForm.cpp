@@ -340,25 +340,27 @@ void DiskUsageScanProgressForm::onPrepareActions(QWidget* view)
 void DiskUsageScanProgressForm::onOpen()
 {
     const std::vector<ScanTree::Index> entries = chosenEntries();
-    if (entries.size() != 1)
-        return;
-    const ScanTree& tree = *changes.scan().tree;
-    if (tree.node(entries.front()).isFolder())
-        ShellActions::exploreFolder(tree.shownPath(entries.front()), this);
-    else
-        ShellActions::openFile(tree.path(entries.front()), this);
+    if (entries.size() == 1)
+        handOver(entries.front(), false);
 }
 
 void DiskUsageScanProgressForm::onShowInFolder()
 {
     const std::vector<ScanTree::Index> entries = chosenEntries();
-    if (entries.empty())
-        return;
+    if (!entries.empty())
+        handOver(entries.front(), true);
+}
+
+// A folder always opens in the file manager; a file opens, or is shown there.
+void DiskUsageScanProgressForm::handOver(ScanTree::Index entry, bool showFile)
+{
     const ScanTree& tree = *changes.scan().tree;
-    if (tree.node(entries.front()).isFolder())
-        ShellActions::exploreFolder(tree.shownPath(entries.front()), this);
+    if (tree.node(entry).isFolder())
+        ShellActions::exploreFolder(tree.shownPath(entry), this);
+    else if (showFile)
+        ShellActions::showInExplorer(tree.path(entry), this);
     else
-        ShellActions::showInExplorer(tree.path(entries.front()), this);
+        ShellActions::openFile(tree.path(entry), this);
 }
 
 void DiskUsageScanProgressForm::onCopyPath()
@@ -398,8 +400,7 @@ void DiskUsageScanProgressForm::onRemove(ResultChanges::Removal how)
     if (changes.isBusy() || !changes.scan().tree)
         return;
     const ScanTree& tree = *changes.scan().tree;
-    std::vector<ScanTree::Index> entries = ResultChanges::outermost(tree, chosenEntries());
-    entries.erase(std::remove(entries.begin(), entries.end(), 0), entries.end());
+    const std::vector<ScanTree::Index> entries = ResultChanges::removable(tree, chosenEntries());
     if (entries.empty())
         return;
     const RemovalQuestion question(tree, entries, how);

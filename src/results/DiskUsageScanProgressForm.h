@@ -66,6 +66,7 @@ private:
     void onPrepareActions(QWidget* view);
     void onOpen();
     void onShowInFolder();
+    void handOver(ScanTree::Index entry, bool showFile);
     void onCopyPath();
     void onRefresh();
     void onRefreshAll();

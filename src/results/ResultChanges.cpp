@@ -66,12 +66,18 @@ std::vector<ScanTree::Index> ResultChanges::outermost(const ScanTree& tree,
     return kept;
 }
 
+std::vector<ScanTree::Index> ResultChanges::removable(const ScanTree& tree,
+                                                      const std::vector<Index>& entries)
+{
+    std::vector<Index> kept = outermost(tree, entries);
+    kept.erase(std::remove(kept.begin(), kept.end(), Index(0)), kept.end());
+    return kept;
+}
+
 void ResultChanges::remove(const std::vector<Index>& entries, Removal how)
 {
     auto next = std::make_unique<Job>();
-    next->removals = outermost(*current.tree, entries);
-    next->removals.erase(std::remove(next->removals.begin(), next->removals.end(), Index(0)),
-                         next->removals.end());
+    next->removals = entries;
     next->how = how;
     start(std::move(next));
 }

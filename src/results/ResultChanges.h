@@ -35,8 +35,7 @@ public:
     [[nodiscard]] const ScanResult& scan() const { return current; }
     [[nodiscard]] bool isBusy() const { return job != nullptr; }
 
-    // Entries of the scan (never the scanned folder itself); one inside
-    // another chosen one goes with it.
+    // Entries of the scan, as removable() gives them.
     void remove(const std::vector<Index>& entries, Removal how);
     // Folders of the scan, read again; the scanned folder reads all again.
     void refresh(const std::vector<Index>& folders);
@@ -44,6 +43,9 @@ public:
     // What a removal is about: the entries left when those inside another are
     // dropped, in the order given.
     [[nodiscard]] static std::vector<Index> outermost(const ScanTree& tree,
+                                                      const std::vector<Index>& entries);
+    // The same, without the scanned folder itself, which is never removed.
+    [[nodiscard]] static std::vector<Index> removable(const ScanTree& tree,
                                                       const std::vector<Index>& entries);
 
 signals:

@@ -8,8 +8,6 @@
 
 #include <algorithm>
 
-using DiskUsageGlobal::addSaturating;
-
 // One folder of the walk, from the moment it is entered until it is finished.
 struct DiskUsageWorkerThread::Frame {
     FolderReadAhead::FolderPtr folder;
@@ -17,10 +15,7 @@ struct DiskUsageWorkerThread::Frame {
     std::size_t nextEntry = 0;
     std::size_t nextSubfolder = 0;
     int depth = 0;
-    quint64 size = 0;
-    quint64 onDisk = 0;
-    quint32 files = 0;
-    quint32 folders = 0;
+    FolderTotals totals;
 };
 
 DiskUsageWorkerThread::DiskUsageWorkerThread(QObject* parent, ScanRequest scanRequest)
@@ -104,18 +99,9 @@ void DiskUsageWorkerThread::walk(FolderReadAhead& readAhead)
         stack.pop_back();
         finish(done);
         readAhead.release(*done.folder);
-        if (stack.empty()) {
-            result.totalSize = done.size;
-            result.totalOnDisk = done.onDisk;
-            result.totalFiles = done.files;
-            result.totalFolders = done.folders;
-            return;
-        }
-        Frame& parent = stack.back();
-        addSaturating(parent.size, done.size);
-        addSaturating(parent.onDisk, done.onDisk);
-        parent.files += done.files;
-        parent.folders += done.folders;
+        if (stack.empty())
+            return done.totals.storeIn(result);
+        stack.back().totals.addSubfolder(done.totals);
     }
 }
 
@@ -143,7 +129,7 @@ DiskUsageWorkerThread::Frame DiskUsageWorkerThread::enter(FolderReadAhead& readA
         shown.flags |= ScanTree::Loop;
     shown.ownOnDisk = folder->allocated;
     Frame frame;
-    frame.onDisk = folder->allocated;
+    frame.totals.onDisk = folder->allocated;
     frame.folder = std::move(folder);
     frame.node = node;
     frame.depth = depth;
@@ -203,7 +189,7 @@ void DiskUsageWorkerThread::addEntry(FolderReadAhead& readAhead, std::vector<Fra
                 << "exclude path 1:" << excludingEntry(tree->path(node))->path;
         return;
     }
-    ++frame.folders;
+    ++frame.totals.folders;
     if (cancelled())
         return; // a folder met after a cancel stays empty
     Frame next = enter(readAhead, std::move(child), node, frame.depth + 1);
@@ -212,9 +198,7 @@ void DiskUsageWorkerThread::addEntry(FolderReadAhead& readAhead, std::vector<Fra
 
 void DiskUsageWorkerThread::addFile(Frame& frame, const FolderReadAhead::Entry& entry, Index node)
 {
-    ++frame.files;
-    addSaturating(frame.size, quint64(entry.size));
-    addSaturating(frame.onDisk, tally->addFile(*tree, node, entry.linkedFile));
+    frame.totals.addFile(entry.size, tally->addFile(*tree, node, entry.linkedFile));
 }
 
 // Plain string prefixes, compared with case: an excluded D:\Temp also leaves
@@ -245,9 +229,6 @@ void DiskUsageWorkerThread::finish(Frame& frame)
     if (frame.nextEntry < frame.folder->entries.size())
         tree->keepChildren(frame.node, Index(frame.nextEntry));
     ScanTree::Node& node = tree->node(frame.node);
-    node.size = frame.size;
-    node.onDisk = frame.onDisk;
-    node.files = frame.files;
-    node.folders = frame.folders;
+    frame.totals.storeIn(node);
     node.finished = foldersFinished++;
 }

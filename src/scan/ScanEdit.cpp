@@ -5,7 +5,6 @@
 #include <optional>
 #include <vector>
 
-using DiskUsageGlobal::addSaturating;
 using Index = ScanTree::Index;
 
 // One application of an edit: walks the old tree as a scan walks the disk,
@@ -22,10 +21,7 @@ private:
         Index to;   // the folder in the new tree
         Index nextFrom = 0;
         Index nextTo = 0;
-        quint64 size = 0;
-        quint64 onDisk = 0;
-        quint32 files = 0;
-        quint32 folders = 0;
+        FolderTotals totals;
     };
 
     [[nodiscard]] Frame enter(const ScanTree* source, Index from, Index to);
@@ -105,8 +101,8 @@ ScanRebuild::Frame ScanRebuild::enter(const ScanTree* source, Index from, Index 
         result.unreadable.append(tree->path(to));
     if (node.flags & ScanTree::Elsewhere)
         result.elsewhere.append(tree->path(to));
-    Frame frame{source, from, to};
-    frame.onDisk = node.ownOnDisk;
+    Frame frame{source, from, to, 0, 0, {}};
+    frame.totals.onDisk = node.ownOnDisk;
     copyChildren(frame);
     return frame;
 }
@@ -167,11 +163,7 @@ void ScanRebuild::step(std::vector<Frame>& stack)
         finish(done);
         if (stack.empty())
             return;
-        Frame& parent = stack.back();
-        addSaturating(parent.size, done.size);
-        addSaturating(parent.onDisk, done.onDisk);
-        parent.files += done.files;
-        parent.folders += done.folders;
+        stack.back().totals.addSubfolder(done.totals);
         return;
     }
     ++items;
@@ -180,13 +172,11 @@ void ScanRebuild::step(std::vector<Frame>& stack)
     frame.nextFrom = skipRemoved(frame, from + 1);
     const ScanTree::Node& child = tree->node(to);
     if (!child.isFolder()) {
-        ++frame.files;
-        addSaturating(frame.size, quint64(child.size));
-        addSaturating(frame.onDisk, tally->addFile(*tree, to, tree->linkedFile(to)));
+        frame.totals.addFile(child.size, tally->addFile(*tree, to, tree->linkedFile(to)));
     } else if (child.flags & ScanTree::Excluded) {
         ++result.excludedFolders;
     } else {
-        ++frame.folders;
+        ++frame.totals.folders;
         Frame next = enter(frame.source, from, to);
         stack.push_back(std::move(next)); // invalidates `frame`
     }
@@ -195,15 +185,8 @@ void ScanRebuild::step(std::vector<Frame>& stack)
 void ScanRebuild::finish(const Frame& frame)
 {
     ScanTree::Node& node = tree->node(frame.to);
-    node.size = frame.size;
-    node.onDisk = frame.onDisk;
-    node.files = frame.files;
-    node.folders = frame.folders;
+    frame.totals.storeIn(node);
     node.finished = foldersFinished++;
-    if (frame.to == 0) {
-        result.totalSize = frame.size;
-        result.totalOnDisk = frame.onDisk;
-        result.totalFiles = frame.files;
-        result.totalFolders = frame.folders;
-    }
+    if (frame.to == 0)
+        frame.totals.storeIn(result);
 }

@@ -8,6 +8,37 @@
 using DiskUsageGlobal::TFileInfo;
 using DiskUsageGlobal::TMainDataFile;
 
+void FolderTotals::addFile(quint64 fileSize, quint64 fileOnDisk)
+{
+    ++files;
+    DiskUsageGlobal::addSaturating(size, fileSize);
+    DiskUsageGlobal::addSaturating(onDisk, fileOnDisk);
+}
+
+void FolderTotals::addSubfolder(const FolderTotals& subfolder)
+{
+    DiskUsageGlobal::addSaturating(size, subfolder.size);
+    DiskUsageGlobal::addSaturating(onDisk, subfolder.onDisk);
+    files += subfolder.files;
+    folders += subfolder.folders;
+}
+
+void FolderTotals::storeIn(ScanTree::Node& node) const
+{
+    node.size = size;
+    node.onDisk = onDisk;
+    node.files = files;
+    node.folders = folders;
+}
+
+void FolderTotals::storeIn(ScanFigures& figures) const
+{
+    figures.totalSize = size;
+    figures.totalOnDisk = onDisk;
+    figures.totalFiles = files;
+    figures.totalFolders = folders;
+}
+
 ScanTally::ScanTally(ScanFigures& counted)
     : figures(counted)
     , matcher(counted.categories)
