@@ -4,9 +4,9 @@
 #   install-deps.sh test   that, plus what the tests need (mingw-w64 and Wine)
 set -euo pipefail
 
-run_packages=(g++ cmake ninja-build qt6-base-dev qt6-base-dev-tools qt6-qpa-plugins
+run_packages=(g++ cmake ninja-build qt6-base-dev qt6-base-dev-tools qt6-qpa-plugins zlib1g-dev
               libgl-dev librsvg2-bin icoutils fonts-dejavu-core)
-test_packages=(clang-format g++-mingw-w64-x86-64-posix wine64 xz-utils
+test_packages=(clang-format g++-mingw-w64-x86-64-posix libz-mingw-w64-dev wine64 xz-utils
                dpkg-dev file lintian desktop-file-utils appstream nsis)
 
 packages=("${run_packages[@]}")

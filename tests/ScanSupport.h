@@ -15,12 +15,15 @@ inline ScanResult scanOf(const QString& folder, const Settings& settings = Setti
     return worker.takeResult();
 }
 
-// A result as tallyroot-scan --json writes it: every figure of it, to compare.
+// A result as tallyroot-scan --json writes it: every figure of it, to
+// compare; the moment it was made, which two scans never share, left out.
 inline QByteArray jsonOf(const QString& folder, const ScanResult& result)
 {
+    ScanResult timeless = result;
+    timeless.scannedAt = {};
     QByteArray json;
     QBuffer buffer(&json);
     buffer.open(QIODevice::WriteOnly);
-    ScanJsonWriter(folder, result).write(buffer);
+    ScanJsonWriter(folder, timeless).write(buffer);
     return json;
 }

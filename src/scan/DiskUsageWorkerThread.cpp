@@ -1,10 +1,12 @@
 #include "DiskUsageWorkerThread.h"
 
+#include "ScanFile.h"
 #include "ScanLog.h"
 #include "platform/NativeText.h"
 
 #include <QDir>
 #include <QFileInfo>
+#include <QTimeZone>
 
 #include <algorithm>
 
@@ -58,6 +60,9 @@ void DiskUsageWorkerThread::run()
     // Read ahead but never met (after a cancel) is not scanned.
     entriesListed.store(items, std::memory_order_relaxed);
     result.itemsScanned = items;
+    result.host = ScanFile::localHost();
+    result.scannedAt = QDateTime::fromSecsSinceEpoch(QDateTime::currentSecsSinceEpoch(),
+                                                     QTimeZone::utc());
     emit resultReady();
 }
 

@@ -65,6 +65,9 @@ ScanResult ScanRebuild::run()
 {
     const ScanTree& before = *old.tree;
     result.categories = old.categories;
+    result.host = old.host;
+    result.scannedAt = old.scannedAt;
+    result.openedFrom = old.openedFrom;
     tally.emplace(result);
     auto built = std::make_shared<ScanTree>(before.rootPath(), before.name(0));
     tree = built.get();
@@ -79,6 +82,8 @@ ScanResult ScanRebuild::run()
     result.totalSubFolders = subfolders + 1;
     while (!stack.empty())
         step(stack);
+    // A file whose other names went is now a file like any other.
+    tree->keepSharedLinkedFiles();
     result.itemsScanned = items;
     return std::move(result);
 }

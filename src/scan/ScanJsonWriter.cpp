@@ -1,5 +1,6 @@
 #include "ScanJsonWriter.h"
 
+#include "ScanFile.h"
 #include "platform/NativeText.h"
 
 #include <QDir>
@@ -95,6 +96,9 @@ bool plainAscii(platform::NativeStringView name)
     });
 }
 
+// Past this much, what was gathered goes out to the device.
+constexpr qsizetype flushAt = 1 << 20;
+
 // A full disk shows as a short write, not as an error.
 bool writeAll(QIODevice& device, const QByteArray& bytes)
 {
@@ -163,10 +167,15 @@ bool ScanJsonWriter::write(QIODevice& device) const
     bool written = writeAll(device, "{\"biggestFiles\":" + biggestFiles() +
                                         ",\"categories\":" + categories() + ",\"folders\":");
     written = written && writeFolders(device);
-    const QByteArray rest =
+    const QByteArray middle =
+        ",\"format\":" + QByteArray::number(ScanFile::formatVersion) +
+        ",\"host\":" + compact(QJsonValue(result.host)) +
         ",\"itemsScanned\":" + QByteArray::number(result.itemsScanned) +
         ",\"path\":" + compact(QJsonValue(scanPath)) +
-        ",\"totalSubFolders\":" + QByteArray::number(result.totalSubFolders) +
+        ",\"scanned\":" + compact(QJsonValue(result.scannedAt.toString(Qt::ISODate))) +
+        ",\"totalSubFolders\":" + QByteArray::number(result.totalSubFolders) + ",\"tree\":";
+    written = written && writeAll(device, middle) && writeTree(device);
+    const QByteArray rest =
         ",\"unreadable\":" + compact(QJsonArray::fromStringList(result.unreadable)) + "}";
     return written && writeAll(device, rest);
 }
@@ -235,7 +244,6 @@ void ScanJsonWriter::appendSummary(QByteArray& out, ScanTree::Index folder,
 // and shrinks with the walk, so a deep tree costs no more than its output.
 bool ScanJsonWriter::writeFolders(QIODevice& device) const
 {
-    constexpr qsizetype flushAt = 1 << 20;
     QByteArray out;
     out.reserve(2 * flushAt);
     out += '[';
@@ -276,6 +284,74 @@ bool ScanJsonWriter::writeFolders(QIODevice& device) const
     }
     out += ']';
     return writeAll(device, out);
+}
+
+// Every entry in walk order (pre-order, children in listing order), flat, so
+// that no reader has to nest as deep as the tree: a folder as an object that
+// says how many entries after it are its children, a file as an array.
+bool ScanJsonWriter::writeTree(QIODevice& device) const
+{
+    QByteArray out;
+    out.reserve(2 * flushAt);
+    out += '[';
+    if (result.tree) {
+        const ScanTree& tree = *result.tree;
+        std::vector<ScanTree::Index> pending{0};
+        while (!pending.empty()) {
+            const ScanTree::Index entry = pending.back();
+            pending.pop_back();
+            if (entry != 0)
+                out += ',';
+            appendEntry(out, entry);
+            const ScanTree::Node& node = tree.node(entry);
+            if (node.isFolder()) {
+                for (ScanTree::Index child = node.firstChild + node.childCount;
+                     child-- > node.firstChild;)
+                    pending.push_back(child);
+            }
+            if (out.size() >= flushAt) {
+                if (!writeAll(device, out))
+                    return false;
+                out.truncate(0);
+            }
+        }
+    }
+    out += ']';
+    return writeAll(device, out);
+}
+
+// A folder: {"children":N,"flags":F,"name":"…","onDisk":B}, with the bytes
+// its own entry takes. A file: ["name",size,onDisk,lastAccess], and the number
+// it shares with its other names when it has several.
+void ScanJsonWriter::appendEntry(QByteArray& out, ScanTree::Index entry) const
+{
+    const ScanTree& tree = *result.tree;
+    const ScanTree::Node& node = tree.node(entry);
+    if (node.isFolder()) {
+        out += "{\"children\":";
+        appendNumber(out, node.childCount);
+        out += ",\"flags\":";
+        appendNumber(out, node.flags);
+        out += ",\"name\":\"";
+        appendEscapedName(out, tree.name(entry));
+        out += "\",\"onDisk\":";
+        appendNumber(out, node.ownOnDisk);
+        out += '}';
+        return;
+    }
+    out += "[\"";
+    appendEscapedName(out, tree.name(entry));
+    out += "\",";
+    appendNumber(out, node.size);
+    out += ',';
+    appendNumber(out, node.onDisk);
+    out += ',';
+    appendNumber(out, node.lastAccessTime);
+    if (const std::uint64_t linked = tree.linkedFile(entry)) {
+        out += ',';
+        appendNumber(out, linked);
+    }
+    out += ']';
 }
 
 // As ScanTree::appendChildPath, escaped: the scanned folder's path decides
@@ -324,6 +400,7 @@ QByteArray ScanJsonWriter::categories() const
         const double mebibytes = double(category.totalSize) * 9.5367431640625e-7;
         categories.append(QJsonObject{
             {"name", category.name},
+            {"extensions", QJsonArray::fromStringList(category.extensions)},
             {"checked", category.checked},
             {"total", category.totalSize},
             {"sizeText", shown ? QJsonValue(DiskUsageGlobal::sizeText(double(category.totalSize)))

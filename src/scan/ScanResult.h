@@ -4,6 +4,7 @@
 #include "ScanTree.h"
 #include "settings/FileTypeCategory.h"
 
+#include <QDateTime>
 #include <QList>
 #include <QStringList>
 
@@ -24,6 +25,14 @@ struct ScanFigures {
     QStringList unreadable;   // folders that could not be listed, in walk order
     QStringList elsewhere;    // folders on other file systems, not entered
     int excludedFolders = 0;  // left out by the exclusions, OneDrive's included
+    // Whose scan it is: the machine it was made on and when its walk ended
+    // (UTC), and the file it was read from when it was not made here.
+    QString host;
+    QDateTime scannedAt;
+    QString openedFrom;
+
+    // Made by this program now, so the tree stands for what is on disk.
+    [[nodiscard]] bool isLive() const { return openedFrom.isEmpty(); }
 };
 
 // What one scan hands back. The tree is shared, read-only, by the views that
