@@ -1,8 +1,10 @@
 // What the user waits for on the results screen, offscreen: the time from
-// startScanning() to scanFinish(); with --map, from showing the Map tab at
+// startScanning() to scanFinish(), or with --open from openScanFile() of a
+// saved scan to scanFinish(); with --map, from showing the Map tab at
 // 1920x1080 to its first picture; and from Back to backToMain().
 //
 //   tallyroot-results-bench [--map [IMAGE]] FOLDER
+//   tallyroot-results-bench --open SCAN-FILE
 //
 // IMAGE, when given, receives the map as drawn.
 
@@ -34,12 +36,15 @@ int main(int argc, char* argv[])
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
     QStringList arguments = QApplication::arguments().mid(1);
+    const bool open = !arguments.isEmpty() && arguments.first() == "--open";
+    if (open)
+        arguments.removeFirst();
     const bool withMap = !arguments.isEmpty() && arguments.first() == "--map";
     if (withMap)
         arguments.removeFirst();
     const QString image = withMap && arguments.size() == 2 ? arguments.takeFirst() : QString();
     if (arguments.size() != 1) {
-        std::fprintf(stderr, "usage: %s [--map [IMAGE]] FOLDER\n", argv[0]);
+        std::fprintf(stderr, "usage: %s [--map [IMAGE]] FOLDER | --open SCAN-FILE\n", argv[0]);
         return 2;
     }
     DiskUsageScanProgressForm form;
@@ -79,7 +84,10 @@ int main(int argc, char* argv[])
         QApplication::quit();
     });
     timer.start();
-    form.startScanning(ScanRequest::of(arguments.first(), Settings::defaults()));
+    if (open)
+        form.openScanFile(arguments.first());
+    else
+        form.startScanning(ScanRequest::of(arguments.first(), Settings::defaults()));
     QApplication::exec();
     std::printf("results %.3f s, ", scanSeconds);
     if (withMap)

@@ -5,6 +5,8 @@
 #include "ui_MainWindow.h"
 
 #include <QCloseEvent>
+#include <QFileInfo>
+#include <QMimeData>
 #include <QStackedLayout>
 
 MainWindow::MainWindow(QWidget* parent)
@@ -26,6 +28,7 @@ MainWindow::MainWindow(QWidget* parent)
     stackedLayout->addWidget(homeForm);
     ui->centralwidget->setLayout(stackedLayout);
     setWindowTitle(tr("Tallyroot"));
+    setAcceptDrops(true);
 }
 
 MainWindow::~MainWindow() = default;
@@ -46,6 +49,48 @@ void MainWindow::restoreGeometry()
 void MainWindow::scanFolder(const QString& path)
 {
     homeForm->startScan(path);
+}
+
+void MainWindow::openScanFile(const QString& file)
+{
+    homeForm->openScan(file);
+}
+
+void MainWindow::openPath(const QString& path)
+{
+    if (QFileInfo(path).isFile())
+        openScanFile(path);
+    else
+        scanFolder(path);
+}
+
+namespace {
+
+// The first local file or folder among what is dragged; empty when none.
+QString droppedPath(const QMimeData* data)
+{
+    for (const QUrl& url : data->urls()) {
+        if (url.isLocalFile())
+            return url.toLocalFile();
+    }
+    return {};
+}
+
+} // namespace
+
+void MainWindow::dragEnterEvent(QDragEnterEvent* event)
+{
+    if (!homeForm->showsResults() && !droppedPath(event->mimeData()).isEmpty())
+        event->acceptProposedAction();
+}
+
+void MainWindow::dropEvent(QDropEvent* event)
+{
+    const QString path = droppedPath(event->mimeData());
+    if (homeForm->showsResults() || path.isEmpty())
+        return;
+    event->acceptProposedAction();
+    openPath(path);
 }
 
 void MainWindow::closeEvent(QCloseEvent* event)

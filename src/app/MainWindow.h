@@ -25,6 +25,10 @@ public:
 
     // Shows the results of a folder as when the user picks it on the home screen.
     void scanFolder(const QString& path);
+    // Shows a scan kept in a file, as when the user opens it on the home screen.
+    void openScanFile(const QString& file);
+    // A folder is scanned, a file opened as a saved scan.
+    void openPath(const QString& path);
     // What the options page saved last, or what was stored at start.
     [[nodiscard]] const Settings& currentSettings() const { return settings; }
 
@@ -34,6 +38,9 @@ signals:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    // What is dropped on the home screen: a folder to scan or a saved scan.
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
 
 private:
     void restoreGeometry();

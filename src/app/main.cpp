@@ -11,8 +11,9 @@
 namespace {
 
 constexpr const char* usage =
-    "Usage: tallyroot [FOLDER]\n"
-    "Shows where the space on a disk went. Given a folder, scans it at once.\n\n"
+    "Usage: tallyroot [FOLDER | SCAN-FILE]\n"
+    "Shows where the space on a disk went. Given a folder, scans it at once;\n"
+    "given a scan file (tallyroot-scan --json, plain or gzip), shows that scan.\n\n"
     "Options:\n"
     "  -h, --help     Displays this help.\n"
     "  -v, --version  Displays the version.\n";
@@ -49,10 +50,11 @@ int main(int argc, char* argv[])
                      [&appearance](const Settings& saved) { appearance.apply(saved.appearance); });
     window.show();
     // Qt has taken its own options out by now. The desktop hands over what
-    // was dropped on the icon: the first folder is scanned.
+    // was dropped on the icon: the first folder is scanned, or the first
+    // saved scan shown.
     for (const QString& argument : platform::arguments(argc, argv).mid(1)) {
         if (!argument.startsWith(QLatin1Char('-'))) {
-            window.scanFolder(argument);
+            window.openPath(argument);
             break;
         }
     }

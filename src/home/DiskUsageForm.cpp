@@ -16,6 +16,7 @@
 #include "ui_DiskUsageForm.h"
 
 #include <QDir>
+#include <QFileDialog>
 #include <QFileInfo>
 #include <QMessageBox>
 #include <QScrollArea>
@@ -64,6 +65,7 @@ void DiskUsageForm::connectButtons()
 {
     connect(ui->selectFolderButton, &QAbstractButton::clicked, this,
             &DiskUsageForm::onSelectFolder);
+    connect(ui->openScanButton, &QAbstractButton::clicked, this, &DiskUsageForm::onOpenScan);
     connect(ui->websiteButton, &QAbstractButton::clicked, this, &DiskUsageForm::onWebsite);
     connect(ui->aboutButton, &QAbstractButton::clicked, this, &DiskUsageForm::onAbout);
     connect(ui->upgradeButton, &QAbstractButton::clicked, this, &DiskUsageForm::onUpgrade);
@@ -154,6 +156,20 @@ void DiskUsageForm::startScan(const QString& path)
             QStringLiteral("%1 does not exist.").arg(QDir::toNativeSeparators(path)));
         return;
     }
+    addResultsScreen()->startScanning(ScanRequest::of(path, settings));
+    recent->remember(path);
+}
+
+void DiskUsageForm::openScan(const QString& file)
+{
+    if (resultsScreen || file.isEmpty())
+        return;
+    addResultsScreen()->openScanFile(file);
+}
+
+// The results screen in place of this page, until it asks to go back.
+DiskUsageScanProgressForm* DiskUsageForm::addResultsScreen()
+{
     emit showToolbarSignal(false);
     isScanning = true;
 
@@ -163,12 +179,11 @@ void DiskUsageForm::startScan(const QString& path)
     connect(resultsScreen, &Results::scanFinish, this, &DiskUsageForm::onScanFinish);
     connect(resultsScreen, &Results::clearRAMStart, this, &DiskUsageForm::onClearRAMStart);
     connect(resultsScreen, &Results::clearRAMFinish, this, &DiskUsageForm::onClearRAMFinish);
-    resultsScreen->startScanning(ScanRequest::of(path, settings));
+    connect(resultsScreen, &Results::openFailed, this, &DiskUsageForm::onOpenFailed);
     resultsScreen->show();
     stackedLayout->addWidget(resultsScreen);
     stackedLayout->setCurrentIndex(1);
-
-    recent->remember(path);
+    return resultsScreen;
 }
 
 void DiskUsageForm::onShowDetails(int diskIndex)
@@ -244,6 +259,21 @@ void DiskUsageForm::onSelectFolder()
                                                    specialFolderPaths.at(Documents));
     if (!path.isEmpty())
         startScan(path);
+}
+
+void DiskUsageForm::onOpenScan()
+{
+    const QString file = QFileDialog::getOpenFileName(
+        this, QStringLiteral("Open a saved scan"), specialFolderPaths.at(Documents),
+        QStringLiteral("Tallyroot scans (*.json *.json.gz *.gz);;All files (*)"));
+    openScan(file);
+}
+
+// Said over the home page, which is back by then as it was.
+void DiskUsageForm::onOpenFailed(const QString& why)
+{
+    onBackToMain();
+    QMessageBox::warning(this, QStringLiteral("Cannot open the scan"), why);
 }
 
 void DiskUsageForm::onWebsite()

@@ -41,6 +41,9 @@ public:
     // Scans a folder as when the user picks it; a folder that is not there
     // is said to be missing.
     void startScan(const QString& path);
+    // Shows a scan kept in a file on the results screen; a file that cannot
+    // be opened is said to be so, by name, and nothing else changes.
+    void openScan(const QString& file);
     // Asks whether to save unsaved options, and saves them on Yes. False when
     // they were to be saved and could not be, or when the user chose Cancel,
     // which is offered only where leaving can be called off.
@@ -48,6 +51,8 @@ public:
     // A close was asked for and waits for a scan or release to end.
     [[nodiscard]] bool isClosing() const { return closeRequested; }
     [[nodiscard]] const QStringList& recentFolders() const;
+    // A results screen stands in place of this page.
+    [[nodiscard]] bool showsResults() const { return resultsScreen != nullptr; }
 
 signals:
     void showToolbarSignal(bool show);
@@ -68,6 +73,9 @@ private:
     void onClearRAMStart();
     void onClearRAMFinish();
     void onSelectFolder();
+    void onOpenScan();
+    void onOpenFailed(const QString& why);
+    [[nodiscard]] DiskUsageScanProgressForm* addResultsScreen();
     void onWebsite();
     void onAbout();
     void onUpgrade();

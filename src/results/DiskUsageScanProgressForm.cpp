@@ -10,6 +10,7 @@
 #include <QClipboard>
 #include <QDir>
 #include <QGuiApplication>
+#include <QLocale>
 
 DiskUsageScanProgressForm::DiskUsageScanProgressForm(QWidget* parent)
     : QWidget(parent)
@@ -26,6 +27,7 @@ DiskUsageScanProgressForm::DiskUsageScanProgressForm(QWidget* parent)
     ui->toolBar->hide();
     ui->tabWidget->hide();
     ui->volumeSummaryLabel->hide();
+    ui->originLabel->hide();
     ui->tabWidget->setCurrentIndex(0);
     ui->unreadableLabel->hide();
     connect(&scan, &ScanController::finished, this, &DiskUsageScanProgressForm::onResults);
@@ -86,6 +88,17 @@ void DiskUsageScanProgressForm::startScanning(ScanRequest request)
     scan.start(std::move(request));
 }
 
+void DiskUsageScanProgressForm::openScanFile(const QString& file)
+{
+    if (scanPanel) {
+        scanPanel->setTitle(QStringLiteral("Opening a saved scan. Please wait ..."));
+        scanPanel->setPath(QDir::toNativeSeparators(file));
+        scanPanel->setItemCount(-1);
+        scanPanel->setMaximum(0);
+    }
+    scan.open(file);
+}
+
 void DiskUsageScanProgressForm::cancelScan()
 {
     cancelled = true;
@@ -107,11 +120,21 @@ void DiskUsageScanProgressForm::onResults()
         scanPanel->deleteLater();
     }
     scanPanel = nullptr;
-    changes.setScan(scan.takeResult(), request);
+    ScanResult taken = scan.takeResult();
+    if (!scan.openError().isEmpty()) {
+        emit scanFinish();
+        if (!releaseAfterResults && !cancelled)
+            emit openFailed(scan.openError());
+        return emit backToMain();
+    }
+    if (!taken.isLive())
+        scannedFolder = taken.tree->rootPath();
+    changes.setScan(std::move(taken), request);
     const ScanResult& result = changes.scan();
     generalModel.setTree(result.tree, oneDrivePath);
     showUnreadable(result.unreadable);
     showVolumeSummary(result);
+    showOrigin(result);
     if (!cancelled && !releaseAfterResults)
         showResults();
     ui->explorerGeneralButton->setEnabled(false);
@@ -147,13 +170,33 @@ QStringList DiskUsageScanProgressForm::categoryNames() const
     return names;
 }
 
-// A scan of a volume's root says how it adds up against the volume.
+// A scan of a volume's root says how it adds up against the volume, as it is
+// now: so only a scan made now.
 void DiskUsageScanProgressForm::showVolumeSummary(const ScanFigures& result)
 {
     const std::optional<VolumeReconciliation> volume =
-        VolumeReconciliation::of(scannedFolder, result);
+        result.isLive() ? VolumeReconciliation::of(scannedFolder, result) : std::nullopt;
     ui->volumeSummaryLabel->setText(volume ? volume->text() : QString());
     ui->volumeSummaryLabel->setToolTip(volume ? volume->details() : QString());
+}
+
+// A scan read from a file says whose it is, and that the disk may have
+// changed since.
+void DiskUsageScanProgressForm::showOrigin(const ScanResult& result)
+{
+    ui->originLabel->setVisible(!result.isLive());
+    if (result.isLive())
+        return;
+    const QString when =
+        result.scannedAt.isValid()
+            ? QLocale().toString(result.scannedAt.toLocalTime(), QLocale::ShortFormat)
+            : QStringLiteral("an unknown date");
+    const QString host = result.host.isEmpty() ? QStringLiteral("an unknown machine") : result.host;
+    ui->originLabel->setText(
+        QStringLiteral("Saved scan of %1 on %2, %3. Not live: the disk may have changed since.")
+            .arg(QDir::toNativeSeparators(result.tree->rootPath()), host, when));
+    ui->originLabel->setToolTip(
+        QStringLiteral("Opened from %1").arg(QDir::toNativeSeparators(result.openedFrom)));
 }
 
 // A folder that could not be read shows as an empty row; the line says how
@@ -323,7 +366,7 @@ void DiskUsageScanProgressForm::onPrepareActions(QWidget* view)
 {
     actingOn = view;
     const std::vector<ScanTree::Index> entries = entriesOf(view);
-    const bool idle = !changes.isBusy() && changes.scan().tree;
+    const bool idle = canChange();
     const bool any = !entries.empty();
     const bool removable =
         idle && any && std::find(entries.begin(), entries.end(), 0) == entries.end();
@@ -335,6 +378,13 @@ void DiskUsageScanProgressForm::onPrepareActions(QWidget* view)
     resultActions.refreshAll.setEnabled(idle);
     resultActions.moveToTrash.setEnabled(removable);
     resultActions.deletePermanently.setEnabled(removable);
+}
+
+// A scan read from a file may not match the disk: nothing is removed or read
+// again on its word.
+bool DiskUsageScanProgressForm::canChange() const
+{
+    return !changes.isBusy() && changes.scan().tree && changes.scan().isLive();
 }
 
 void DiskUsageScanProgressForm::onOpen()
@@ -375,11 +425,13 @@ void DiskUsageScanProgressForm::onCopyPath()
 // A file is read again with its folder.
 void DiskUsageScanProgressForm::onRefresh()
 {
+    if (!canChange())
+        return;
     const ScanTree& tree = *changes.scan().tree;
     std::vector<ScanTree::Index> folders;
     for (ScanTree::Index entry : chosenEntries())
         folders.push_back(tree.node(entry).isFolder() ? entry : tree.node(entry).parent);
-    if (folders.empty() || changes.isBusy())
+    if (folders.empty())
         return;
     onChangesStarted(folders.size() == 1
                          ? QStringLiteral("Reading %1 again...").arg(tree.nameText(folders.front()))
@@ -389,7 +441,7 @@ void DiskUsageScanProgressForm::onRefresh()
 
 void DiskUsageScanProgressForm::onRefreshAll()
 {
-    if (changes.isBusy() || !changes.scan().tree)
+    if (!canChange())
         return;
     onChangesStarted(QStringLiteral("Reading everything again..."));
     changes.refresh({0});
@@ -397,7 +449,7 @@ void DiskUsageScanProgressForm::onRefreshAll()
 
 void DiskUsageScanProgressForm::onRemove(ResultChanges::Removal how)
 {
-    if (changes.isBusy() || !changes.scan().tree)
+    if (!canChange())
         return;
     const ScanTree& tree = *changes.scan().tree;
     const std::vector<ScanTree::Index> entries = ResultChanges::removable(tree, chosenEntries());

@@ -32,11 +32,16 @@ public:
     ~DiskUsageScanProgressForm() override;
 
     void startScanning(ScanRequest request);
+    // Shows a scan kept in a file, read on a thread of its own; a file that
+    // cannot be opened ends in openFailed(), then backToMain().
+    void openScanFile(const QString& file);
     // Stops a running scan without asking for the release afterwards.
     void cancelScan();
 
 signals:
     void backToMain();
+    // Names the file and why it could not be opened.
+    void openFailed(const QString& why);
     void scanFinish();
     void clearRAMStart();
     void clearRAMFinish();
@@ -50,6 +55,7 @@ private:
     void showResults();
     void showUnreadable(const QStringList& folders);
     void showVolumeSummary(const ScanFigures& result);
+    void showOrigin(const ScanResult& result);
     void onFolderSelected();
     void onExploreFolder();
     void onShowBiggestFile();
@@ -64,6 +70,7 @@ private:
     [[nodiscard]] std::vector<ScanTree::Index> entriesOf(const QWidget* view) const;
     [[nodiscard]] std::vector<ScanTree::Index> chosenEntries() const;
     void onPrepareActions(QWidget* view);
+    [[nodiscard]] bool canChange() const;
     void onOpen();
     void onShowInFolder();
     void handOver(ScanTree::Index entry, bool showFile);

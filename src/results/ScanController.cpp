@@ -3,6 +3,8 @@
 #include "scan/DiskUsageClearRamThread.h"
 #include "scan/DiskUsageWorkerThread.h"
 
+#include <QThread>
+
 namespace {
 
 // How often the entry count follows the scan.
@@ -24,6 +26,10 @@ ScanController::~ScanController()
         worker->setCancel(true);
         worker->wait();
     }
+    if (fileReader) {
+        stopReading = true;
+        fileReader->wait();
+    }
     if (releaseThread)
         releaseThread->wait();
 }
@@ -42,10 +48,22 @@ void ScanController::start(ScanRequest request)
     worker->start(QThread::InheritPriority);
 }
 
+void ScanController::open(const QString& file)
+{
+    fileReader = QThread::create([this, file] { opened = ScanFile::read(file, &stopReading); });
+    fileReader->setParent(this);
+    connect(fileReader, &QThread::finished, this, [this] {
+        result = std::move(opened.result);
+        emit finished();
+    });
+    fileReader->start(QThread::InheritPriority);
+}
+
 void ScanController::cancel()
 {
     if (worker)
         worker->setCancel(true);
+    stopReading = true;
 }
 
 void ScanController::onResultReady()

@@ -1,11 +1,13 @@
 #pragma once
 
+#include "scan/ScanFile.h"
 #include "scan/ScanRequest.h"
 #include "scan/ScanResult.h"
 
 #include <QObject>
 #include <QTimer>
 
+#include <atomic>
 #include <memory>
 
 class DiskUsageClearRamThread;
@@ -13,7 +15,8 @@ class DiskUsageWorkerThread;
 
 // The life of one scan behind the results screen, and no widget: the worker
 // and what it reports, its entry count read on a timer, a cancel, and the
-// release of the results on a thread of their own.
+// release of the results on a thread of their own. A scan kept in a file is
+// read on a thread of its own as well.
 class ScanController : public QObject {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(ScanController)
@@ -24,6 +27,11 @@ public:
     ~ScanController() override;
 
     void start(ScanRequest request);
+    // Reads a scan file instead of scanning; finished() follows, and then
+    // either the result or the error.
+    void open(const QString& file);
+    // Why the file could not be opened; empty when it was, or for a scan.
+    [[nodiscard]] const QString& openError() const { return opened.error; }
     // The walk stops at its next entry; finished() follows.
     void cancel();
     // Once finished(): the result, once.
@@ -46,6 +54,9 @@ private:
     void onResultReady();
 
     DiskUsageWorkerThread* worker = nullptr;
+    QThread* fileReader = nullptr;
+    std::atomic<bool> stopReading{false};
+    ScanFile::Opened opened; // written by the file's reader until it ends
     DiskUsageClearRamThread* releaseThread = nullptr;
     QTimer itemCountTimer;
     ScanResult result;

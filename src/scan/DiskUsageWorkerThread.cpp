@@ -61,8 +61,8 @@ void DiskUsageWorkerThread::run()
     entriesListed.store(items, std::memory_order_relaxed);
     result.itemsScanned = items;
     result.host = ScanFile::localHost();
-    result.scannedAt = QDateTime::fromSecsSinceEpoch(QDateTime::currentSecsSinceEpoch(),
-                                                     QTimeZone::utc());
+    result.scannedAt =
+        QDateTime::fromSecsSinceEpoch(QDateTime::currentSecsSinceEpoch(), QTimeZone::utc());
     emit resultReady();
 }
 

@@ -30,8 +30,8 @@ bool GzipDevice::open(OpenMode mode)
     finished = false;
     if (mode & WriteOnly) {
         // Fast rather than small: a scan's JSON shrinks by nearly as much.
-        compressed = deflateInit2(stream.get(), 3, Z_DEFLATED, gzipWindow, 8,
-                                  Z_DEFAULT_STRATEGY) == Z_OK;
+        compressed =
+            deflateInit2(stream.get(), 3, Z_DEFLATED, gzipWindow, 8, Z_DEFAULT_STRATEGY) == Z_OK;
         buffer.resize(chunk);
     } else {
         const QByteArray magic = device.peek(2);

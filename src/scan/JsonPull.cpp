@@ -225,8 +225,7 @@ bool JsonPull::skipString()
         }
         const char* start = window.data() + position;
         const char* end = window.data() + filled;
-        const char* stop =
-            std::find_if(start, end, [](char c) { return c == '"' || c == '\\'; });
+        const char* stop = std::find_if(start, end, [](char c) { return c == '"' || c == '\\'; });
         position += std::size_t(stop - start);
         if (stop == end)
             continue;

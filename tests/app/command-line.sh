@@ -14,6 +14,6 @@ unset DISPLAY WAYLAND_DISPLAY QT_QPA_PLATFORM
 check "--version prints the version" [ "$("$program" --version)" = "tallyroot $version" ]
 check "-v too" [ "$("$program" -v)" = "tallyroot $version" ]
 help=$("$program" --help)
-check "--help prints the usage" grep -q '^Usage: tallyroot \[FOLDER\]' <<<"$help"
+check "--help prints the usage" grep -q '^Usage: tallyroot \[FOLDER | SCAN-FILE\]' <<<"$help"
 echo "$passed passed, $failed failed"
 [ "$failed" -eq 0 ]

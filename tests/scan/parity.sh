@@ -65,6 +65,8 @@ check "file counts" "$engine_files" "$find_files"
 out=$work/json && mkdir "$out" && chmod 777 "$out"
 for readers in 1 2 8 32; do
     run "$scan" --defaults --threads $readers --json "$out/$readers.json" "$t" >/dev/null 2>&1
+    # The moment of the scan is the one thing two scans never share.
+    sed -i 's/"scanned":"[^"]*"//' "$out/$readers.json"
 done
 check "JSON of 1 and 2 readers" "$(cmp -s "$out/1.json" "$out/2.json"; echo $?)" 0
 check "JSON of 1 and 8 readers" "$(cmp -s "$out/1.json" "$out/8.json"; echo $?)" 0

@@ -49,7 +49,9 @@ void TestScanFile::makeTree()
     const QString tree = dir.path() + "/tree/";
     for (int n = 1; n <= 24; ++n) {
         const QString name = QStringLiteral("%1%2.%3")
-                                 .arg(n % 3 == 0 ? "music/" : n % 3 == 1 ? "docs/old/" : "docs/")
+                                 .arg(n % 3 == 0   ? "music/"
+                                      : n % 3 == 1 ? "docs/old/"
+                                                   : "docs/")
                                  .arg(n)
                                  .arg(n % 2 ? "mp3" : "pdf");
         QVERIFY(writeSizedFile(tree + name, 1000 * (n % 7 + 1)));
@@ -146,8 +148,8 @@ void TestScanFile::aFileThatIsNotAWholeScanSaysWhy_data()
     newer.replace("\"format\":2,", "\"format\":3,");
     QTest::newRow("newer") << newer << false << "newer Tallyroot (format 3)";
     QTest::newRow("cut in the tree") << json.left(json.size() - 40) << false << "is cut short";
-    QTest::newRow("cut in the head") << json.left(json.indexOf("\"folders\"") + 30) << false
-                                     << "is cut short";
+    QTest::newRow("cut in the head")
+        << json.left(json.indexOf("\"folders\"") + 30) << false << "is cut short";
     QTest::newRow("cut, gzip") << json.left(json.size() * 2 / 3) << true << "is cut short";
     QByteArray damaged = json;
     damaged[damaged.indexOf("\"tree\":[") + 30] = '#';
