@@ -10,6 +10,18 @@ namespace {
 // How often, in entries, a cancel is looked for.
 constexpr int cancelCheck = 1 << 16;
 
+// Names are written as UTF-8, which on Linux is what the system gave, as it
+// stands; Windows takes them as UTF-16. (A template, so that the branch for
+// the other system is not compiled.)
+template <typename Unit = platform::NativeString::value_type>
+void setNameFromUtf8(ScanTree& tree, ScanTree::Index node, const std::string& name)
+{
+    if constexpr (std::is_same_v<Unit, char>)
+        tree.setName(node, std::basic_string_view<Unit>(name));
+    else
+        tree.setName(node, platform::toNative(QString::fromStdString(name)));
+}
+
 } // namespace
 
 ScanFileReader::ScanFileReader(QIODevice& device, const std::atomic<bool>* cancelled)
@@ -274,11 +286,7 @@ void ScanFileReader::finish(const Frame& frame)
         frame.totals.storeIn(result);
 }
 
-// Names are written as UTF-8, which on Linux is what the system gave.
 void ScanFileReader::setName(Index node)
 {
-    if constexpr (std::is_same_v<platform::NativeString, std::string>)
-        tree->setName(node, nameText);
-    else
-        tree->setName(node, platform::toNative(QString::fromStdString(nameText)));
+    setNameFromUtf8(*tree, node, nameText);
 }
