@@ -9,7 +9,9 @@
 # runs show the Map tab at 1920x1080 before Back: the time to its first
 # picture (layout and paint) and the peak memory with the map shown. Then
 # times tallyroot-scan and du -sb -l on the same tree and reports the ratios,
-# how long a search of the whole scan takes for a few kinds of query, and how
+# how long a search of the whole scan takes for a few kinds of query, how long
+# the results screen takes to open the tree's saved scan (plain and gzip) and
+# at what peak, and how
 # long the search panel takes from a key typed to its rows shown, and how
 # long the results take to follow a removal or a refresh (the scan changed
 # and counted again).
@@ -44,5 +46,15 @@ printf 'tallyroot-scan:  %.2f s (%.2f-%.2f)  peak %d MiB\n' "$scan_seconds" "$sc
     $((scan_kib / 1024))
 printf 'du -sb -l:       %.2f s (%.2f-%.2f)\n' "$du_seconds" "$du_min" "$du_max"
 echo "ratio:           $(ratio "$results_seconds" "$du_seconds") x du, $(ratio "$results_seconds" "$scan_seconds") x tallyroot-scan"
+saved=$(mktemp -d /tmp/tallyroot-saved.XXXXXX)
+build/src/tallyroot-scan --defaults --json "$saved/scan.json" "$tree" >/dev/null
+gzip -k "$saved/scan.json"
+for file in scan.json scan.json.gz; do
+    opened=$(median_line results --open "$saved/$file")
+    printf 'open %-11s %s, %s MiB file (median of %d)\n' "$file:" "$opened" \
+        $(( $(stat -c %s "$saved/$file") / 1048576 )) "$runs"
+    echo "                 $(ratio "$(awk '{ print $2 }' <<<"$opened")" "$results_seconds") x the scan on the results screen"
+done
+rm -rf "$saved"
 build/bench/tallyroot-search-bench "$tree" 2>/dev/null | grep -E '^(search|panel)'
 build/bench/tallyroot-edit-bench "$tree" 2>/dev/null | grep -E '^edit'

@@ -11,11 +11,14 @@
 #include "results/DiskUsageScanProgressForm.h"
 #include "results/SearchPanel.h"
 #include "results/TreemapView.h"
+#include "scan/DiskUsageWorkerThread.h"
+#include "scan/ScanFile.h"
 
 #include <QApplication>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QFileInfo>
 #include <QLineEdit>
 #include <QMenu>
 #include <QPainter>
@@ -165,9 +168,9 @@ private:
     Options options;
 };
 
-DiskUsageScanProgressForm* scan(MainWindow& window, const QString& path)
+// The results screen once `start` has shown what it asked for.
+DiskUsageScanProgressForm* finished(MainWindow& window)
 {
-    window.scanFolder(path);
     auto* results = window.findChild<DiskUsageScanProgressForm*>();
     if (!results)
         return nullptr;
@@ -178,6 +181,12 @@ DiskUsageScanProgressForm* scan(MainWindow& window, const QString& path)
         return nullptr;
     waitFor([] { return false; }, 300); // the scanning panel goes
     return results;
+}
+
+DiskUsageScanProgressForm* scan(MainWindow& window, const QString& path)
+{
+    window.scanFolder(path);
+    return finished(window);
 }
 
 template <typename T> T* child(QObject* parent, const char* name)
@@ -283,6 +292,30 @@ bool results(MainWindow& window, Camera& camera, const QString& folder, Appearan
     return ok;
 }
 
+// The sample tree's scan, saved to a file and opened again, as a scan made
+// elsewhere would be.
+bool opened(MainWindow& window, Camera& camera, const QString& folder)
+{
+    if (!camera.wanted(QStringLiteral("results-opened")))
+        return true;
+    DiskUsageWorkerThread worker(nullptr, ScanRequest::of(folder, Settings::defaults()));
+    worker.start();
+    worker.wait();
+    QTemporaryDir kept;
+    const QString file = kept.filePath(QStringLiteral("samples.json.gz"));
+    if (!ScanFile::write(file, worker.takeResult(), true))
+        return false;
+    window.openScanFile(file);
+    DiskUsageScanProgressForm* results = finished(window);
+    if (!results)
+        return false;
+    auto* tree = results->findChild<QTreeView*>(QStringLiteral("treeView"));
+    tree->expand(tree->model()->index(0, 0));
+    const bool ok = camera.take(&window, QStringLiteral("results-opened"));
+    goBack(window, results);
+    return ok;
+}
+
 bool drive(MainWindow& window, Camera& camera, const QString& root)
 {
     if (!camera.wanted(QStringLiteral("results-drive")))
@@ -350,6 +383,9 @@ int main(int argc, char* argv[])
                     [&camera](const QString& name) { return camera.wanted(name); })) {
         ok = makeSampleTree(samples) && results(window, camera, samples, appearance) && ok;
     }
+    if (camera.wanted(QStringLiteral("results-opened")))
+        ok = (QFileInfo::exists(samples) || makeSampleTree(samples)) &&
+             opened(window, camera, samples) && ok;
     if (!options->drive.isEmpty())
         ok = drive(window, camera, options->drive) && ok;
     window.close();
