@@ -4,6 +4,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QList>
+#include <QMenu>
 #include <QObject>
 #include <QStringList>
 #include <QTemporaryDir>
@@ -71,4 +72,19 @@ inline bool writeSizedFile(const QString& path, qint64 size)
     QDir().mkpath(QFileInfo(path).path());
     QFile file(path);
     return file.open(QIODevice::WriteOnly) && file.resize(size);
+}
+
+// What a view's context menu offers at a point: each action's text, with
+// " (off)" after those disabled. The menu is closed again.
+inline QStringList menuOffers(QWidget* view, QPoint at = QPoint(5, 5))
+{
+    QMetaObject::invokeMethod(view, "customContextMenuRequested", Q_ARG(QPoint, at));
+    QMenu* menu = view->findChild<QMenu*>();
+    QStringList offered;
+    for (QAction* action : menu ? menu->actions() : QList<QAction*>()) {
+        if (!action->isSeparator())
+            offered << action->text() + (action->isEnabled() ? "" : " (off)");
+    }
+    delete menu;
+    return offered;
 }

@@ -214,33 +214,6 @@ bool JsonPull::readNumber(std::uint64_t& number)
     return true;
 }
 
-bool JsonPull::skipString()
-{
-    if (!expect('"'))
-        return false;
-    for (;;) {
-        if (!ensure(2)) {
-            fail(Problem::CutShort);
-            return false;
-        }
-        const char* start = window.data() + position;
-        const char* end = window.data() + filled;
-        const char* stop = std::find_if(start, end, [](char c) { return c == '"' || c == '\\'; });
-        position += std::size_t(stop - start);
-        if (stop == end)
-            continue;
-        if (*stop == '"') {
-            ++position;
-            return true;
-        }
-        if (available() < 2 && !ensure(2)) {
-            fail(Problem::CutShort);
-            return false;
-        }
-        position += 2; // the backslash and what it escapes
-    }
-}
-
 // A number, true, false or null, which may go on past the window's end.
 void JsonPull::skipWord()
 {
@@ -267,7 +240,7 @@ bool JsonPull::skipValue()
             return false;
         }
         if (c == '"') {
-            if (!skipString())
+            if (!readString(scratch))
                 return false;
         } else if (c == '[' || c == '{') {
             ++depth;

@@ -42,7 +42,6 @@ public:
 private:
     // At least `count` bytes ahead, or as many as are left; false when none are.
     bool ensure(std::size_t count);
-    bool skipString();
     void skipWord();
     bool readEscape(std::string& text);
     [[nodiscard]] std::size_t available() const { return filled - position; }
@@ -53,5 +52,6 @@ private:
     std::size_t filled = 0;
     qint64 consumed = 0; // bytes dropped from the window's front
     bool ended = false;
+    std::string scratch; // what a value passed over held
     Problem problem = Problem::None;
 };

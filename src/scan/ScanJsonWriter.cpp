@@ -105,6 +105,17 @@ bool writeAll(QIODevice& device, const QByteArray& bytes)
     return device.write(bytes) == bytes.size();
 }
 
+// Hands what was gathered to the device once there is enough of it.
+bool writeWhenFull(QIODevice& device, QByteArray& out)
+{
+    if (out.size() < flushAt)
+        return true;
+    if (!writeAll(device, out))
+        return false;
+    out.truncate(0); // keeps its room
+    return true;
+}
+
 } // namespace
 
 // As Qt's JSON writer quotes a string, byte for byte, so that the output stays
@@ -275,11 +286,8 @@ bool ScanJsonWriter::writeFolders(QIODevice& device) const
             const std::vector<ScanTree::Index> children = tree.shownSubfolders(next.folder);
             for (auto child = children.rbegin(); child != children.rend(); ++child)
                 pending.push_back({*child, next.depth + 1});
-            if (out.size() >= flushAt) {
-                if (!writeAll(device, out))
-                    return false;
-                out.truncate(0); // keeps its room
-            }
+            if (!writeWhenFull(device, out))
+                return false;
         }
     }
     out += ']';
@@ -309,11 +317,8 @@ bool ScanJsonWriter::writeTree(QIODevice& device) const
                      child-- > node.firstChild;)
                     pending.push_back(child);
             }
-            if (out.size() >= flushAt) {
-                if (!writeAll(device, out))
-                    return false;
-                out.truncate(0);
-            }
+            if (!writeWhenFull(device, out))
+                return false;
         }
     }
     out += ']';

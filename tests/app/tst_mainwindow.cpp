@@ -12,7 +12,6 @@
 #include "settings/SettingsStore.h"
 
 #include <QLabel>
-#include <QMenu>
 #include <QMimeData>
 #include <QStackedLayout>
 #include <QtTest>
@@ -38,20 +37,12 @@ bool goBack(MainWindow& window)
     return QTest::qWaitFor([&] { return !window.findChild<DiskUsageScanProgressForm*>(); }, 20000);
 }
 
-// What the folder tree's menu offers for its first row, "(off)" after those disabled.
+// What the folder tree's menu offers for its first row below the scanned folder.
 QStringList offeredForTheFirstRow(DiskUsageScanProgressForm& results)
 {
     auto* view = results.findChild<FolderTreeView*>("treeView");
     view->setCurrentIndex(view->model()->index(0, 0, view->model()->index(0, 0)));
-    QMetaObject::invokeMethod(view, "customContextMenuRequested", Q_ARG(QPoint, QPoint(5, 5)));
-    QMenu* menu = view->findChild<QMenu*>();
-    QStringList offered;
-    for (QAction* action : menu ? menu->actions() : QList<QAction*>()) {
-        if (!action->isSeparator())
-            offered << action->text() + (action->isEnabled() ? "" : " (off)");
-    }
-    delete menu;
-    return offered;
+    return menuOffers(view);
 }
 
 void drop(MainWindow& window, const QString& path)

@@ -225,33 +225,22 @@ void TestResultActions::expectFreshScan()
 void TestResultActions::theMenusOfferWhatFits()
 {
     scan();
-    const auto menuOf = [this](QWidget* view) {
-        QMetaObject::invokeMethod(view, "customContextMenuRequested", Q_ARG(QPoint, QPoint(5, 5)));
-        QMenu* menu = view->findChild<QMenu*>();
-        QStringList offered;
-        for (QAction* action : menu ? menu->actions() : QList<QAction*>()) {
-            if (!action->isSeparator())
-                offered << action->text() + (action->isEnabled() ? "" : " (off)");
-        }
-        delete menu;
-        return offered;
-    };
     // The scanned folder itself stays: it can be read again, not removed.
     selectFolders({""});
-    QStringList offered = menuOf(folderTree());
+    QStringList offered = menuOffers(folderTree());
     QVERIFY2(offered.contains("Move to Trash (off)") ||
                  offered.contains("Move to Recycle Bin (off)"),
              qPrintable(offered.join(", ")));
     QVERIFY(offered.contains("Delete Permanently (off)"));
     QVERIFY(offered.contains("Refresh") && offered.contains("Refresh All"));
     selectFolders({"music", "docs"});
-    offered = menuOf(folderTree());
+    offered = menuOffers(folderTree());
     QVERIFY(offered.contains("Delete Permanently") && offered.contains("Open (off)"));
     QVERIFY(offered.contains("Copy Path"));
     // The biggest files offer to open the one chosen.
     auto* biggest = form->findChild<BiggestFilesView*>();
     biggest->setCurrentIndex(biggest->model()->index(0, 0));
-    QVERIFY(menuOf(biggest).contains("Open"));
+    QVERIFY(menuOffers(biggest).contains("Open"));
 }
 
 void TestResultActions::copyingPaths()
