@@ -112,9 +112,12 @@ void DiskUsageScanProgressForm::onResults()
     generalModel.setTree(result.tree, oneDrivePath);
     showUnreadable(result.unreadable);
     showVolumeSummary(result);
-    if (!cancelled && !releaseAfterResults)
+    const bool whole = !cancelled && !releaseAfterResults;
+    if (whole)
         showResults();
     ui->explorerGeneralButton->setEnabled(false);
+    if (whole && result.isLive() && result.tree)
+        emit scanCompleted(result);
     emit scanFinish();
     if (releaseAfterResults)
         return startRelease();

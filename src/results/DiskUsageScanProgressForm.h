@@ -38,6 +38,9 @@ public:
 signals:
     void backToMain();
     void scanFinish();
+    // The scan ended uncancelled, made here now: a scan worth keeping. Not
+    // sent again as the results change by a removal or a refresh.
+    void scanCompleted(const ScanResult& scan);
     void clearRAMStart();
     void clearRAMFinish();
 
