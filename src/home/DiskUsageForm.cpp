@@ -4,6 +4,7 @@
 #include "DiskUsageDetailInfoDialog.h"
 #include "DiskUsageFolderInfoForm.h"
 #include "DiskUsageItemInfoForm.h"
+#include "HomeLog.h"
 #include "RecentFolders.h"
 #include "UpgradeDialog.h"
 #include "WebLinks.h"
@@ -11,10 +12,12 @@
 #include "platform/Shell.h"
 #include "platform/UserFolders.h"
 #include "results/DiskUsageScanProgressForm.h"
+#include "scan/ScanKeeper.h"
 #include "settings/DiskUsageOptionsForm.h"
 #include "settings/SettingsStore.h"
 #include "ui_DiskUsageForm.h"
 
+#include <QApplication>
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -30,12 +33,21 @@ QString specialFolder(platform::SpecialFolder which)
     return QString::fromStdWString(platform::specialFolderPath(which));
 }
 
+qint64 bytesOf(const QList<ScanHistory::Entry>& entries)
+{
+    qint64 bytes = 0;
+    for (const ScanHistory::Entry& entry : entries)
+        bytes += entry.fileBytes;
+    return bytes;
+}
+
 } // namespace
 
 DiskUsageForm::DiskUsageForm(const Settings& settings, QWidget* parent)
     : QWidget(parent)
     , ui(std::make_unique<Ui::DiskUsageForm>())
     , settings(settings)
+    , keeper(std::make_unique<ScanKeeper>())
 {
     ui->setupUi(this);
     // The cards sit on the tab's own background, not the darker list one.
@@ -80,6 +92,10 @@ void DiskUsageForm::addOptionsPage()
     optionsForm->edit(settings);
     optionsForm->show();
     connect(optionsForm, &DiskUsageOptionsForm::saved, this, &DiskUsageForm::settingsSaved);
+    connect(optionsForm, &DiskUsageOptionsForm::deleteSavedScans, this,
+            &DiskUsageForm::onDeleteSavedScans);
+    connect(keeper.get(), &ScanKeeper::kept, this, &DiskUsageForm::showSavedScans);
+    showSavedScans();
 }
 
 const QStringList& DiskUsageForm::recentFolders() const
@@ -156,7 +172,10 @@ void DiskUsageForm::startScan(const QString& path)
             QStringLiteral("%1 does not exist.").arg(QDir::toNativeSeparators(path)));
         return;
     }
-    addResultsScreen()->startScanning(ScanRequest::of(path, settings));
+    DiskUsageScanProgressForm* results = addResultsScreen();
+    connect(results, &DiskUsageScanProgressForm::scanCompleted, this,
+            [this, path](const ScanResult& scan) { onScanCompleted(path, scan); });
+    results->startScanning(ScanRequest::of(path, settings));
     recent->remember(path);
 }
 
@@ -215,6 +234,7 @@ void DiskUsageForm::onBackToMain()
     resultsScreen->deleteLater();
     resultsScreen = nullptr;
     addDriveCards();
+    recent->refresh();
 }
 
 void DiskUsageForm::closeIfRequested()
@@ -230,6 +250,33 @@ void DiskUsageForm::onScanFinish()
     emit showToolbarSignal(true);
     isScanning = false;
     closeIfRequested();
+}
+
+// The settings as they are when the scan ends decide whether it is kept.
+void DiskUsageForm::onScanCompleted(const QString& path, const ScanResult& scan)
+{
+    recent->markScanned(path, scan.scannedAt);
+    if (!settings.history.enabled)
+        return;
+    qCDebug(lcHome).noquote() << "keeping scan:" << path;
+    keeper->keep(scan, {settings.history.perFolder, settings.history.totalBytes()});
+}
+
+void DiskUsageForm::showSavedScans()
+{
+    const QList<ScanHistory::Entry> kept = keeper->history().all();
+    optionsForm->showSavedScans(int(kept.size()), bytesOf(kept));
+}
+
+// A scan still being written is waited for, so that it goes too.
+void DiskUsageForm::onDeleteSavedScans()
+{
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    const bool removed = keeper->removeAll();
+    QApplication::restoreOverrideCursor();
+    qCDebug(lcHome) << "saved scans deleted:" << removed;
+    const QList<ScanHistory::Entry> left = keeper->history().all();
+    optionsForm->savedScansDeleted(int(left.size()), bytesOf(left));
 }
 
 void DiskUsageForm::onClearRAMStart()

@@ -11,6 +11,8 @@ class DiskUsageOptionsForm;
 class DiskUsageScanProgressForm;
 class QStackedLayout;
 class RecentFolders;
+class ScanKeeper;
+struct ScanResult;
 struct Settings;
 
 namespace Ui {
@@ -20,7 +22,9 @@ class DiskUsageForm;
 // The home screen: cards for the local disks and the user's own folders, the
 // folders scanned last, and the options. Whatever is picked becomes one path
 // that a new results screen scans with the settings as they stand; the
-// results replace this page until the user goes back.
+// results replace this page until the user goes back. Each scan that ends
+// uncancelled is kept in the history, when the settings keep one, while the
+// user looks at it.
 class DiskUsageForm : public QWidget {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(DiskUsageForm)
@@ -70,6 +74,9 @@ private:
     void onDriveScan(int diskIndex);
     void onBackToMain();
     void onScanFinish();
+    void onScanCompleted(const QString& path, const ScanResult& scan);
+    void showSavedScans();
+    void onDeleteSavedScans();
     void onClearRAMStart();
     void onClearRAMFinish();
     void onSelectFolder();
@@ -90,4 +97,7 @@ private:
     DiskUsageOptionsForm* optionsForm = nullptr;
     RecentFolders* recent = nullptr;
     QStackedLayout* stackedLayout = nullptr;
+    // Last, so that it goes first: its destructor waits for the scans it is
+    // writing, while the rest of the screen is still whole.
+    std::unique_ptr<ScanKeeper> keeper;
 };

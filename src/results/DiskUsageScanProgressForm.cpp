@@ -135,9 +135,12 @@ void DiskUsageScanProgressForm::onResults()
     showUnreadable(result.unreadable);
     showVolumeSummary(result);
     showOrigin(result);
-    if (!cancelled && !releaseAfterResults)
+    const bool whole = !cancelled && !releaseAfterResults;
+    if (whole)
         showResults();
     ui->explorerGeneralButton->setEnabled(false);
+    if (whole && result.isLive() && result.tree)
+        emit scanCompleted(result);
     emit scanFinish();
     if (releaseAfterResults)
         return startRelease();

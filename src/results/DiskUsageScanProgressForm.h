@@ -43,6 +43,9 @@ signals:
     // Names the file and why it could not be opened.
     void openFailed(const QString& why);
     void scanFinish();
+    // The scan ended uncancelled, made here now: a scan worth keeping. Not
+    // sent again as the results change by a removal or a refresh.
+    void scanCompleted(const ScanResult& scan);
     void clearRAMStart();
     void clearRAMFinish();
 

@@ -4,6 +4,7 @@
 #include "DiskUsageEditFileTypesDialog.h"
 #include "ExclusionSettings.h"
 #include "FileTypeCatalogue.h"
+#include "HistorySetting.h"
 #include "SettingsLog.h"
 #include "SettingsStore.h"
 #include "desktop/ShellActions.h"
@@ -11,6 +12,7 @@
 #include "platform/UserFolders.h"
 #include "ui_DiskUsageOptionsForm.h"
 
+#include <QLocale>
 #include <QMessageBox>
 
 namespace {
@@ -34,6 +36,21 @@ QTreeWidgetItem* checkableItem(const QString& text, bool checked, const QIcon& i
     return item;
 }
 
+// As the system writes sizes, in units of 1024 bytes, as the spin box counts.
+QString sizeText(qint64 bytes)
+{
+    return QLocale().formattedDataSize(bytes, 1, QLocale::DataSizeTraditionalFormat);
+}
+
+QString savedScansText(int count, qint64 bytes)
+{
+    if (count == 0)
+        return QStringLiteral("No saved scans");
+    if (count == 1)
+        return QStringLiteral("1 saved scan, %1").arg(sizeText(bytes));
+    return QStringLiteral("%1 saved scans, %2").arg(count).arg(sizeText(bytes));
+}
+
 QList<QTreeWidgetItem*> topLevelItems(const QTreeWidget* tree)
 {
     QList<QTreeWidgetItem*> items;
@@ -51,6 +68,9 @@ DiskUsageOptionsForm::DiskUsageOptionsForm(QWidget* parent)
     ui->setupUi(this);
     ui->tabWidget->setCurrentIndex(0);
     ui->saveButton->setEnabled(false);
+    ui->historyPerFolderSpinBox->setRange(1, HistoryChoice::mostPerFolder);
+    ui->historySizeSpinBox->setRange(1, HistoryChoice::mostMegabytes);
+    showSavedScans(0, 0);
     connect(ui->saveButton, &QAbstractButton::clicked, this, &DiskUsageOptionsForm::save);
     // A check box toggled from the keyboard changes a tree without a click.
     for (const auto& signal : {&QTreeWidget::itemClicked, &QTreeWidget::itemChanged}) {
@@ -62,6 +82,12 @@ DiskUsageOptionsForm::DiskUsageOptionsForm(QWidget* parent)
             &DiskUsageOptionsForm::onOneDriveToggled);
     connect(ui->appearanceComboBox, &QComboBox::currentIndexChanged, this,
             &DiskUsageOptionsForm::onAppearanceChosen);
+    connect(ui->keepHistoryCheckBox, &QCheckBox::toggled, this,
+            &DiskUsageOptionsForm::onHistoryChanged);
+    for (QSpinBox* limit : {ui->historyPerFolderSpinBox, ui->historySizeSpinBox})
+        connect(limit, &QSpinBox::valueChanged, this, &DiskUsageOptionsForm::onHistoryChanged);
+    connect(ui->deleteSavedScansButton, &QAbstractButton::clicked, this,
+            &DiskUsageOptionsForm::onDeleteSavedScans);
     connect(ui->excludeRemoveButton, &QAbstractButton::clicked, this,
             &DiskUsageOptionsForm::onRemoveFolder);
     connect(ui->openOneDriveButton, &QAbstractButton::clicked, this,
@@ -86,6 +112,7 @@ void DiskUsageOptionsForm::edit(const Settings& settings)
     ui->excludeOneDrivecheckBox->setChecked(settings.excludeOneDrive);
     // The combo box lists the choices in their enum order.
     ui->appearanceComboBox->setCurrentIndex(int(settings.appearance));
+    showHistory(settings.history);
     const QString oneDrive = SettingsStore::oneDrivePath();
     ui->oneDriveInfoLabel->setText(oneDrive);
     ui->openOneDriveButton->setEnabled(!oneDrive.isEmpty());
@@ -107,6 +134,21 @@ void DiskUsageOptionsForm::showFileTypes(const QList<FileTypeCategory>& catalogu
             checkableItem(FileTypeCatalogue::displayText(category), category.checked,
                           QIcon(FileTypeCatalogue::iconNamed(category.name))));
     }
+}
+
+void DiskUsageOptionsForm::showHistory(const HistoryChoice& history)
+{
+    ui->keepHistoryCheckBox->setChecked(history.enabled);
+    ui->historyPerFolderSpinBox->setValue(history.perFolder);
+    ui->historySizeSpinBox->setValue(history.megabytes);
+    ui->historyPerFolderSpinBox->setEnabled(history.enabled);
+    ui->historySizeSpinBox->setEnabled(history.enabled);
+}
+
+HistoryChoice DiskUsageOptionsForm::chosenHistory() const
+{
+    return {ui->keepHistoryCheckBox->isChecked(), ui->historyPerFolderSpinBox->value(),
+            ui->historySizeSpinBox->value()};
 }
 
 void DiskUsageOptionsForm::showExclusions()
@@ -156,6 +198,7 @@ void DiskUsageOptionsForm::writeSettings(bool excludeOneDrive)
                                    storedText(fileTypes.at(row)));
     SettingsStore::writeDword(QStringLiteral("ExcludeOneDriveFolder"), excludeOneDrive ? 1 : 0);
     AppearanceSetting::write(AppearanceChoice(ui->appearanceComboBox->currentIndex()));
+    HistorySetting::write(chosenHistory());
 }
 
 // The settings keep their flags until "Save"; a click only tells whether the
@@ -196,6 +239,63 @@ void DiskUsageOptionsForm::onAppearanceChosen()
 {
     if (loaded)
         ui->saveButton->setEnabled(true);
+}
+
+void DiskUsageOptionsForm::onHistoryChanged()
+{
+    // The limits stay as they were while nothing is kept, to come back with it.
+    const bool enabled = ui->keepHistoryCheckBox->isChecked();
+    ui->historyPerFolderSpinBox->setEnabled(enabled);
+    ui->historySizeSpinBox->setEnabled(enabled);
+    if (loaded)
+        ui->saveButton->setEnabled(true);
+}
+
+void DiskUsageOptionsForm::showSavedScans(int count, qint64 bytes)
+{
+    savedScanCount = count;
+    savedScanBytes = bytes;
+    ui->savedScansLabel->setText(savedScansText(count, bytes));
+    ui->deleteSavedScansButton->setEnabled(count > 0);
+}
+
+// Deleting is not a setting: it happens at once, not on "Save".
+void DiskUsageOptionsForm::onDeleteSavedScans()
+{
+    if (savedScanCount == 0)
+        return;
+    const QString size = sizeText(savedScanBytes);
+    const QString question = savedScanCount == 1
+                                 ? QStringLiteral("Delete the saved scan? It takes %1.").arg(size)
+                                 : QStringLiteral("Delete the %1 saved scans? They take %2.")
+                                       .arg(savedScanCount)
+                                       .arg(size);
+    const auto answer =
+        QMessageBox::question(this, QStringLiteral("Delete saved scans"),
+                              question + QStringLiteral(" They cannot be compared with again."),
+                              QMessageBox::Yes | QMessageBox::No, QMessageBox::No);
+    if (answer != QMessageBox::Yes)
+        return;
+    qCDebug(lcSettings) << "deleting saved scans:" << savedScanCount;
+    emit deleteSavedScans();
+}
+
+void DiskUsageOptionsForm::savedScansDeleted(int left, qint64 leftBytes)
+{
+    const int deleted = savedScanCount - left;
+    const qint64 freed = savedScanBytes - leftBytes;
+    showSavedScans(left, leftBytes);
+    if (left == 0) {
+        QMessageBox::information(this, QStringLiteral("Saved scans deleted"),
+                                 QStringLiteral("The saved scans were deleted: %1 freed.")
+                                     .arg(sizeText(std::max<qint64>(freed, 0))));
+        return;
+    }
+    qCWarning(lcSettings) << "saved scans left:" << left << "deleted:" << deleted;
+    QMessageBox::warning(this, QStringLiteral("Saved scans not deleted"),
+                         left == 1
+                             ? QStringLiteral("1 saved scan could not be deleted.")
+                             : QStringLiteral("%1 saved scans could not be deleted.").arg(left));
 }
 
 void DiskUsageOptionsForm::onAddFolder()

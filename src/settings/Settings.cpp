@@ -5,7 +5,7 @@
 
 Settings Settings::defaults()
 {
-    return {FileTypeCatalogue::defaults(), {}, false, AppearanceChoice::FollowSystem};
+    return {FileTypeCatalogue::defaults(), {}, false, AppearanceChoice::FollowSystem, {}};
 }
 
 Settings Settings::load()
@@ -17,5 +17,6 @@ Settings Settings::load()
     settings.exclusions = ExclusionSettings::load();
     settings.excludeOneDrive = ExclusionSettings::loadExcludeOneDrive();
     settings.appearance = AppearanceSetting::load();
+    settings.history = HistorySetting::load();
     return settings;
 }

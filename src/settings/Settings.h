@@ -3,6 +3,7 @@
 #include "AppearanceSetting.h"
 #include "ExcludeEntry.h"
 #include "FileTypeCategory.h"
+#include "HistorySetting.h"
 
 #include <QList>
 
@@ -18,9 +19,11 @@ struct Settings {
     bool excludeOneDrive = false;
     // Light or dark colours, or as the desktop asks.
     AppearanceChoice appearance = AppearanceChoice::FollowSystem;
+    // Whether finished scans are kept, and how many.
+    HistoryChoice history;
 
     // The built-in categories, no exclusions, OneDrive included, colours as
-    // the desktop asks.
+    // the desktop asks, five scans of a folder kept within 512 MB.
     [[nodiscard]] static Settings defaults();
     // What the settings store holds; the built-in categories where it holds none.
     [[nodiscard]] static Settings load();

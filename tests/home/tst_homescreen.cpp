@@ -12,7 +12,9 @@
 #include "home/RecentFolders.h"
 #include "home/UpgradeDialog.h"
 #include "home/WebLinks.h"
+#include "results/DiskUsageScanInfoForm.h"
 #include "results/DiskUsageScanProgressForm.h"
+#include "scan/ScanHistory.h"
 #include "settings/DiskUsageOptionsForm.h"
 #include "settings/Settings.h"
 #include "settings/SettingsStore.h"
@@ -54,12 +56,18 @@ private slots:
     void leavingUnsavedOptionsAsksToSave();
     void closingWithUnsavedOptionsAsksToSave();
     void aWiderWindowWidensTheMainPane();
+    void recentRowsSayWhenEachFolderWasLastScanned();
+    void theLastScannedTextIsShortAndFriendly();
+    void aFinishedScanIsKeptDatedAndDeletedFromTheOptions();
+    void withTheHistoryOffAScanIsDatedButNotKept();
 
 private:
     QString folder(const QString& name);
     static void storeRecent(const QStringList& paths);
     static QStringList storedRecent(int count);
+    static QDateTime storedTime(int row);
     static ClickableLabel* recentText(DiskUsageForm& form, int row);
+    static QLabel* recentTime(DiskUsageForm& form, int row);
     static DiskUsageScanProgressForm* resultsOf(DiskUsageForm& form);
     static void setTab(DiskUsageForm& form, int index);
     static bool finishScan(DiskUsageForm& form);
@@ -94,6 +102,8 @@ void TestHomeScreen::init()
 {
     isolated.clear();
     opened.urls.clear();
+    // Every scan a test makes to the end is kept, in the isolated data folder.
+    QVERIFY(ScanHistory().removeAll());
 }
 
 void TestHomeScreen::cleanupTestCase()
@@ -120,6 +130,12 @@ QStringList TestHomeScreen::storedRecent(int count)
     return paths;
 }
 
+QDateTime TestHomeScreen::storedTime(int row)
+{
+    const auto text = SettingsStore::readString(QStringLiteral("RecentTime%1").arg(row));
+    return QDateTime::fromString(text.value_or(QString()), Qt::ISODate);
+}
+
 ClickableLabel* TestHomeScreen::recentText(DiskUsageForm& form, int row)
 {
     // Both labels of a row carry its name; the icon is the narrow one.
@@ -127,6 +143,11 @@ ClickableLabel* TestHomeScreen::recentText(DiskUsageForm& form, int row)
         if (label->maximumWidth() > 20)
             return label;
     return nullptr;
+}
+
+QLabel* TestHomeScreen::recentTime(DiskUsageForm& form, int row)
+{
+    return form.findChild<QLabel*>(QStringLiteral("recentTime%1").arg(row));
 }
 
 DiskUsageScanProgressForm* TestHomeScreen::resultsOf(DiskUsageForm& form)
@@ -559,6 +580,146 @@ void TestHomeScreen::aWiderWindowWidensTheMainPane()
     window.resize(1600, 513);
     QTRY_VERIFY(tabs->width() > tabsBefore + 300);
     QVERIFY(recent->width() <= 360);
+}
+
+void TestHomeScreen::recentRowsSayWhenEachFolderWasLastScanned()
+{
+    storeRecent({folder("alpha"), folder("beta"), folder("one"), folder("two")});
+    const QDateTime scanned(QDate(2020, 3, 5), QTime(10, 0), QTimeZone::utc());
+    SettingsStore::writeString("RecentTime1", scanned.toString(Qt::ISODate));
+    SettingsStore::writeString("RecentTime3", "not a time");
+    SettingsStore::writeString("RecentTime4", QString());
+    DiskUsageForm form(settings);
+    form.show();
+    QLabel* first = recentTime(form, 1);
+    QVERIFY(first && first->isVisible());
+    QCOMPARE(first->text(), RecentFolders::whenText(scanned, QDateTime::currentDateTimeUtc()));
+    QCOMPARE(first->text(), QLocale().toString(scanned.toLocalTime().date(), "d MMM yyyy"));
+    QVERIFY(first->toolTip().startsWith("Last scanned "));
+    const QString dated = first->text();
+    // Never scanned to the end, or a time that is not one: nothing said.
+    for (int row = 2; row <= 4; ++row) {
+        QVERIFY(recentTime(form, row));
+        QVERIFY2(!recentTime(form, row)->isVisible(), qPrintable(QString::number(row)));
+    }
+    QVERIFY(!recentTime(form, 5)->isVisible());
+
+    // A cancelled scan leaves the time of the last whole one.
+    QTest::mouseClick(recentText(form, 1), Qt::LeftButton);
+    auto* panel = resultsOf(form)->findChild<DiskUsageScanInfoForm*>();
+    panel->findChild<QPushButton*>("pushButton")->click();
+    QVERIFY(QTest::qWaitFor(
+        [&] { return !resultsOf(form) && !form.isScanning && !form.isClearingRam; }, 20000));
+    QCOMPARE(storedTime(1), scanned);
+    QCOMPARE(recentTime(form, 1)->text(), dated);
+
+    // Moved down by another folder, it keeps its time; the other gets one as
+    // its scan ends.
+    QTest::mouseClick(recentText(form, 2), Qt::LeftButton);
+    QCOMPARE(form.recentFolders().first(), folder("beta"));
+    QCOMPARE(storedTime(2), scanned);
+    QVERIFY(finishScan(form));
+    QVERIFY(storedTime(1) > scanned);
+    QVERIFY(goBack(form));
+    QCOMPARE(recentTime(form, 1)->text(), QStringLiteral("just now"));
+    QCOMPARE(recentTime(form, 2)->text(), dated);
+}
+
+void TestHomeScreen::theLastScannedTextIsShortAndFriendly()
+{
+    // Local times, as the user reads them.
+    const QDateTime now(QDate(2026, 11, 24), QTime(15, 0, 30));
+    const auto when = [&now](const QDateTime& local) {
+        return RecentFolders::whenText(local.toUTC(), now.toUTC());
+    };
+    QCOMPARE(when(now), QStringLiteral("just now"));
+    QCOMPARE(when(now.addSecs(-59)), QStringLiteral("just now"));
+    QCOMPARE(when(now.addSecs(-60)), QStringLiteral("1 min ago"));
+    QCOMPARE(when(now.addSecs(-59 * 60)), QStringLiteral("59 min ago"));
+    QCOMPARE(when(QDateTime(now.date(), QTime(9, 5))), QStringLiteral("today 09:05"));
+    QCOMPARE(when(QDateTime(now.date(), QTime(0, 0))), QStringLiteral("today 00:00"));
+    QCOMPARE(when(QDateTime(QDate(2026, 11, 23), QTime(23, 59))),
+             QStringLiteral("yesterday 23:59"));
+    QCOMPARE(when(QDateTime(QDate(2026, 11, 21), QTime(8, 0))), QStringLiteral("3 days ago"));
+    QCOMPARE(when(QDateTime(QDate(2026, 11, 18), QTime(8, 0))), QStringLiteral("6 days ago"));
+    QCOMPARE(when(QDateTime(QDate(2026, 11, 17), QTime(8, 0))),
+             QLocale().toString(QDate(2026, 11, 17), "d MMM"));
+    QCOMPARE(when(QDateTime(QDate(2025, 12, 31), QTime(8, 0))),
+             QLocale().toString(QDate(2025, 12, 31), "d MMM yyyy"));
+    // A clock set back: the date, not a time to come.
+    QCOMPARE(when(now.addDays(2)), QLocale().toString(QDate(2026, 11, 26), "d MMM yyyy"));
+    QCOMPARE(RecentFolders::whenText({}, now), QString());
+}
+
+void TestHomeScreen::aFinishedScanIsKeptDatedAndDeletedFromTheOptions()
+{
+#ifndef Q_OS_WIN
+    // Not the user's own data folder.
+    QVERIFY(ScanHistory::defaultLocation().startsWith(QDir::tempPath()));
+#endif
+    storeRecent({folder("alpha")});
+    DiskUsageForm form(settings);
+    form.show();
+    QVERIFY(!recentTime(form, 1)->isVisible());
+    const QDateTime before = QDateTime::currentDateTimeUtc().addSecs(-1);
+    QTest::mouseClick(recentText(form, 1), Qt::LeftButton);
+    QVERIFY(finishScan(form));
+
+    // Dated at once, kept behind the results.
+    const QDateTime scanned = storedTime(1);
+    QVERIFY(scanned.isValid());
+    QVERIFY(scanned >= before && scanned <= QDateTime::currentDateTimeUtc());
+    ScanHistory history;
+    QTRY_COMPARE_WITH_TIMEOUT(history.scansOf(folder("alpha")).size(), 1, 20000);
+    QCOMPARE(history.lastScanned(folder("alpha")), std::optional(scanned));
+    QVERIFY(goBack(form));
+    QVERIFY(recentTime(form, 1)->isVisible());
+    QCOMPARE(recentTime(form, 1)->text(), QStringLiteral("just now"));
+
+    // The options count it, and delete it when asked.
+    auto* options = form.findChild<DiskUsageOptionsForm*>();
+    auto* count = options->findChild<QLabel*>("savedScansLabel");
+    QTRY_VERIFY(count->text().startsWith("1 saved scan, "));
+    setTab(form, 2);
+    options->findChild<QTabWidget*>("tabWidget")
+        ->setCurrentWidget(options->findChild<QWidget*>("historyTab"));
+    QStringList told;
+    QTimer answerer;
+    connect(&answerer, &QTimer::timeout, this, [&told] {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        if (!box || !box->isVisible())
+            return;
+        told << box->text();
+        box->button(box->button(QMessageBox::Yes) ? QMessageBox::Yes : QMessageBox::Ok)->click();
+    });
+    answerer.start(10);
+    QTest::mouseClick(options->findChild<QPushButton*>("deleteSavedScansButton"), Qt::LeftButton);
+    QTRY_COMPARE(told.size(), 2);
+    answerer.stop();
+    QVERIFY2(told.at(0).startsWith("Delete the saved scan? It takes "), qPrintable(told.at(0)));
+    QVERIFY2(told.at(1).startsWith("The saved scans were deleted: "), qPrintable(told.at(1)));
+    QVERIFY(history.all().isEmpty());
+    QCOMPARE(count->text(), QStringLiteral("No saved scans"));
+    // The time of the last scan is the recent folder's, not the history's.
+    QVERIFY(recentTime(form, 1)->isVisible());
+}
+
+void TestHomeScreen::withTheHistoryOffAScanIsDatedButNotKept()
+{
+    settings.history.enabled = false;
+    storeRecent({folder("alpha")});
+    {
+        DiskUsageForm form(settings);
+        form.show();
+        QTest::mouseClick(recentText(form, 1), Qt::LeftButton);
+        QVERIFY(finishScan(form));
+        QVERIFY(goBack(form));
+        QCOMPARE(recentTime(form, 1)->text(), QStringLiteral("just now"));
+    }
+    settings.history.enabled = true;
+    QVERIFY(storedTime(1).isValid());
+    // The form waited for any write as it went: there was none.
+    QVERIFY(ScanHistory().all().isEmpty());
 }
 
 QTEST_MAIN(TestHomeScreen)

@@ -9,6 +9,7 @@
 #include "results/DiskUsageScanInfoForm.h"
 #include "results/DiskUsageScanProgressForm.h"
 #include "results/LegendWidget.h"
+#include "results/ResultChanges.h"
 #include "results/ResultDetailsDialog.h"
 #include "results/TreemapView.h"
 
@@ -40,6 +41,7 @@ private slots:
     void backReleasesAndReturnsHome();
     void backWithEveryRowSelectedAgainAndAgain();
     void cancelDuringAScanReturnsHome();
+    void aWholeScanIsOfferedForKeepingOnce();
     void filesDeletedAfterTheScan();
     void aFileNothingOpensSaysSo();
     void unreadableFoldersAreCounted();
@@ -404,15 +406,53 @@ void TestResultsScreen::cancelDuringAScanReturnsHome()
     QSignalSpy finished(&form, &DiskUsageScanProgressForm::scanFinish);
     QSignalSpy released(&form, &DiskUsageScanProgressForm::clearRAMStart);
     QSignalSpy home(&form, &DiskUsageScanProgressForm::backToMain);
+    int completed = 0;
+    connect(&form, &DiskUsageScanProgressForm::scanCompleted, this, [&] { ++completed; });
     form.startScanning(ScanRequest::of(dir.path(), Settings::defaults()));
     auto* cancel = child<QPushButton>(form.findChild<DiskUsageScanInfoForm*>(), "pushButton");
     cancel->click();
     cancel->click();
     QVERIFY(home.wait());
     QCOMPARE(finished.count(), 1);
+    QCOMPARE(completed, 0); // a cancelled scan is not one to keep
     QCOMPARE(released.count(), 1);
     QVERIFY(!child<QWidget>(&form, "tabWidget")->isVisible());
     QVERIFY(!child<QTreeView>(&form, "treeView")->model());
+}
+
+// Once, as the scan ends: the results changed by a refresh are not a new scan.
+void TestResultsScreen::aWholeScanIsOfferedForKeepingOnce()
+{
+    DiskUsageScanProgressForm form;
+    form.resize(986, 513);
+    form.show();
+    QList<ScanResult> offered;
+    connect(&form, &DiskUsageScanProgressForm::scanCompleted, this,
+            [&](const ScanResult& scan) { offered << scan; });
+    QSignalSpy finished(&form, &DiskUsageScanProgressForm::scanFinish);
+    form.startScanning(ScanRequest::of(dir.path(), Settings::defaults()));
+    QVERIFY(finished.wait(20000));
+    QCOMPARE(offered.size(), 1);
+    const ScanResult& scan = offered.first();
+    QVERIFY(scan.isLive() && scan.scannedAt.isValid() && scan.tree);
+    QCOMPARE(scan.tree->rootPath(), dir.path());
+    QVERIFY(scan.totalFiles >= 16);
+    auto* changes = form.findChild<ResultChanges*>();
+    QCOMPARE(changes->scan().tree, scan.tree);
+
+    makeFile("late.bin", 4242);
+    // Triggered, not pressed: a key's modifier would outlast the test.
+    QAction* refreshAll = nullptr;
+    for (QAction* action : child<QTreeView>(&form, "treeView")->actions())
+        if (action->text() == QStringLiteral("Refresh All"))
+            refreshAll = action;
+    QVERIFY(refreshAll && refreshAll->isEnabled());
+    QSignalSpy changed(changes, &ResultChanges::finished);
+    refreshAll->trigger();
+    QVERIFY(changed.wait(20000));
+    QVERIFY(changes->scan().tree->locate(dir.filePath("late.bin")) != ScanTree::none);
+    QCOMPARE(offered.size(), 1);
+    QVERIFY(QFile::remove(dir.filePath("late.bin")));
 }
 
 void TestResultsScreen::filesDeletedAfterTheScan()

@@ -13,6 +13,7 @@
 #include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
+#include <QSpinBox>
 #include <QStandardItemModel>
 #include <QTreeView>
 #include <QTreeWidget>
@@ -39,6 +40,10 @@ private slots:
     void theAppearanceIsSavedAndHandedBack();
     void aMissingOrUnknownAppearanceFollowsTheSystem_data();
     void aMissingOrUnknownAppearanceFollowsTheSystem();
+    void theScanHistorySettingsAreSavedAndHandedBack();
+    void missingOrOutOfRangeHistoryValuesAreTheDefaults_data();
+    void missingOrOutOfRangeHistoryValuesAreTheDefaults();
+    void deletingSavedScansAsksNamingHowManyAndHowMuch();
 
 private:
     // A page filled from the stored settings, as the home screen makes it;
@@ -520,6 +525,175 @@ void TestOptionsPage::aMissingOrUnknownAppearanceFollowsTheSystem()
     auto form = page();
     QCOMPARE(form->findChild<QComboBox*>("appearanceComboBox")->currentIndex(), expected);
     QVERIFY(!form->hasUnsavedChanges());
+}
+
+void TestOptionsPage::theScanHistorySettingsAreSavedAndHandedBack()
+{
+    QCOMPARE(Settings::defaults().history.enabled, true);
+    QCOMPARE(Settings::defaults().history.perFolder, 5);
+    QCOMPARE(Settings::defaults().history.megabytes, 512);
+    {
+        auto form = page();
+        auto* keep = form->findChild<QCheckBox*>("keepHistoryCheckBox");
+        auto* perFolder = form->findChild<QSpinBox*>("historyPerFolderSpinBox");
+        auto* megabytes = form->findChild<QSpinBox*>("historySizeSpinBox");
+        QVERIFY(keep && perFolder && megabytes);
+        QVERIFY(keep->isChecked());
+        QCOMPARE(perFolder->value(), 5);
+        QCOMPARE(megabytes->value(), 512);
+        QVERIFY(perFolder->isEnabled() && megabytes->isEnabled());
+
+        perFolder->setValue(3);
+        QVERIFY(form->hasUnsavedChanges());
+        megabytes->setValue(2048);
+        QCOMPARE(Settings::load().history.perFolder, 5);
+        QTest::mouseClick(button(form.get(), "saveButton"), Qt::LeftButton);
+        QVERIFY(!form->hasUnsavedChanges());
+        QCOMPARE(current.history.perFolder, 3);
+        QCOMPARE(current.history.totalBytes(), 2048LL << 20);
+        QCOMPARE(SettingsStore::readDword("ScanHistoryPerFolder"), std::optional<quint32>(3));
+        QCOMPARE(SettingsStore::readDword("ScanHistoryMegabytes"), std::optional<quint32>(2048));
+        QCOMPARE(SettingsStore::readDword("KeepScanHistory"), std::optional<quint32>(1));
+
+        // Off: the limits wait, as they were, for it to be on again.
+        QTest::mouseClick(keep, Qt::LeftButton);
+        QVERIFY(!keep->isChecked());
+        QVERIFY(form->hasUnsavedChanges());
+        QVERIFY(!perFolder->isEnabled() && !megabytes->isEnabled());
+        QVERIFY(form->save());
+        QCOMPARE(current.history.enabled, false);
+        QCOMPARE(SettingsStore::readDword("KeepScanHistory"), std::optional<quint32>(0));
+    }
+    auto form = page();
+    QVERIFY(!form->findChild<QCheckBox*>("keepHistoryCheckBox")->isChecked());
+    QCOMPARE(form->findChild<QSpinBox*>("historyPerFolderSpinBox")->value(), 3);
+    QCOMPARE(form->findChild<QSpinBox*>("historySizeSpinBox")->value(), 2048);
+    QVERIFY(!form->findChild<QSpinBox*>("historySizeSpinBox")->isEnabled());
+    QVERIFY(!form->hasUnsavedChanges());
+}
+
+void TestOptionsPage::missingOrOutOfRangeHistoryValuesAreTheDefaults_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("stored");
+    QTest::addColumn<int>("expected");
+    QTest::newRow("on, missing") << "KeepScanHistory" << QString() << 1;
+    QTest::newRow("on, 0") << "KeepScanHistory"
+                           << "0" << 0;
+    QTest::newRow("on, 2") << "KeepScanHistory"
+                           << "2" << 1;
+    QTest::newRow("on, text") << "KeepScanHistory"
+                              << "text:0" << 1;
+    QTest::newRow("count, missing") << "ScanHistoryPerFolder" << QString() << 5;
+    QTest::newRow("count, 1") << "ScanHistoryPerFolder"
+                              << "1" << 1;
+    QTest::newRow("count, 0") << "ScanHistoryPerFolder"
+                              << "0" << 5;
+    QTest::newRow("count, 100") << "ScanHistoryPerFolder"
+                                << "100" << 100;
+    QTest::newRow("count, 101") << "ScanHistoryPerFolder"
+                                << "101" << 5;
+    QTest::newRow("count, huge") << "ScanHistoryPerFolder"
+                                 << "4294967295" << 5;
+    QTest::newRow("MB, missing") << "ScanHistoryMegabytes" << QString() << 512;
+    QTest::newRow("MB, 0") << "ScanHistoryMegabytes"
+                           << "0" << 512;
+    QTest::newRow("MB, 1000000") << "ScanHistoryMegabytes"
+                                 << "1000000" << 1000000;
+    QTest::newRow("MB, 1000001") << "ScanHistoryMegabytes"
+                                 << "1000001" << 512;
+    QTest::newRow("MB, text") << "ScanHistoryMegabytes"
+                              << "text:64" << 512;
+}
+
+// A number is stored as one; "text:" stores the rest as a string instead.
+void TestOptionsPage::missingOrOutOfRangeHistoryValuesAreTheDefaults()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, stored);
+    QFETCH(int, expected);
+    if (stored.startsWith(QLatin1String("text:")))
+        SettingsStore::writeString(name, stored.mid(5));
+    else if (!stored.isEmpty())
+        SettingsStore::writeDword(name, stored.toUInt());
+    const HistoryChoice history = Settings::load().history;
+    auto form = page();
+    auto* keep = form->findChild<QCheckBox*>("keepHistoryCheckBox");
+    auto* perFolder = form->findChild<QSpinBox*>("historyPerFolderSpinBox");
+    auto* megabytes = form->findChild<QSpinBox*>("historySizeSpinBox");
+    if (name == "KeepScanHistory") {
+        QCOMPARE(int(history.enabled), expected);
+        QCOMPARE(int(keep->isChecked()), expected);
+    } else if (name == "ScanHistoryPerFolder") {
+        QCOMPARE(history.perFolder, expected);
+        QCOMPARE(perFolder->value(), expected);
+    } else {
+        QCOMPARE(history.megabytes, expected);
+        QCOMPARE(megabytes->value(), expected);
+    }
+    QVERIFY(!form->hasUnsavedChanges());
+}
+
+void TestOptionsPage::deletingSavedScansAsksNamingHowManyAndHowMuch()
+{
+    auto form = page();
+    auto* label = form->findChild<QLabel*>("savedScansLabel");
+    QPushButton* remove = button(form.get(), "deleteSavedScansButton");
+    QVERIFY(label && remove);
+    // Until the screen that keeps them tells, there are none.
+    QCOMPARE(label->text(), QStringLiteral("No saved scans"));
+    QVERIFY(!remove->isEnabled());
+
+    const qint64 bytes = 3LL << 20;
+    const QString size = QLocale().formattedDataSize(bytes, 1, QLocale::DataSizeTraditionalFormat);
+    form->showSavedScans(7, bytes);
+    QCOMPARE(label->text(), QStringLiteral("7 saved scans, %1").arg(size));
+    QVERIFY(remove->isEnabled());
+    form->findChild<QTabWidget*>("tabWidget")
+        ->setCurrentWidget(form->findChild<QWidget*>("historyTab"));
+    QVERIFY(remove->isVisible());
+
+    QSignalSpy asked(form.get(), &DiskUsageOptionsForm::deleteSavedScans);
+    QString title;
+    QString text;
+    answerNextMessage(QMessageBox::No, &title, &text);
+    QTest::mouseClick(remove, Qt::LeftButton);
+    QCOMPARE(title, QStringLiteral("Delete saved scans"));
+    QVERIFY2(text.startsWith(QStringLiteral("Delete the 7 saved scans? They take %1.").arg(size)),
+             qPrintable(text));
+    QCOMPARE(asked.size(), 0);
+    QVERIFY(!form->hasUnsavedChanges());
+
+    // Yes: the keeper deletes them and answers; the page says it is done.
+    QString told;
+    connect(form.get(), &DiskUsageOptionsForm::deleteSavedScans, this, [&] {
+        answerNextMessage(QMessageBox::Ok, nullptr, &told);
+        form->savedScansDeleted(0, 0);
+    });
+    answerNextMessage(QMessageBox::Yes);
+    QTest::mouseClick(remove, Qt::LeftButton);
+    QCOMPARE(asked.size(), 1);
+    QCOMPARE(told, QStringLiteral("The saved scans were deleted: %1 freed.").arg(size));
+    QCOMPARE(label->text(), QStringLiteral("No saved scans"));
+    QVERIFY(!remove->isEnabled());
+    QVERIFY(!form->hasUnsavedChanges());
+    disconnect(form.get(), &DiskUsageOptionsForm::deleteSavedScans, this, nullptr);
+
+    // One that stayed is said.
+    form->showSavedScans(1, 1000);
+    answerNextMessage(QMessageBox::Yes, nullptr, &text);
+    connect(form.get(), &DiskUsageOptionsForm::deleteSavedScans, this, [&] {
+        answerNextMessage(QMessageBox::Ok, &title, &told);
+        form->savedScansDeleted(1, 1000);
+    });
+    QTest::ignoreMessage(QtWarningMsg, "saved scans left: 1 deleted: 0");
+    QTest::mouseClick(remove, Qt::LeftButton);
+    QVERIFY2(text.startsWith(QStringLiteral("Delete the saved scan? It takes ")), qPrintable(text));
+    QCOMPARE(title, QStringLiteral("Saved scans not deleted"));
+    QCOMPARE(told, QStringLiteral("1 saved scan could not be deleted."));
+    QCOMPARE(label->text(),
+             QStringLiteral("1 saved scan, %1")
+                 .arg(QLocale().formattedDataSize(1000, 1, QLocale::DataSizeTraditionalFormat)));
 }
 
 QTEST_MAIN(TestOptionsPage)

@@ -17,6 +17,8 @@ IsolatedSettings::IsolatedSettings()
     if (::mkdtemp(pattern.data()))
         location = pattern;
     ::setenv("XDG_CONFIG_HOME", location.c_str(), 1);
+    // The program's data, such as the scans it keeps, goes there too.
+    ::setenv("XDG_DATA_HOME", (location + "/data").c_str(), 1);
     ::unsetenv("OneDrive");
 }
 
