@@ -214,6 +214,8 @@ bool homeAndOptions(MainWindow& window, Camera& camera)
     ok = camera.take(&window, QStringLiteral("options-file-types")) && ok;
     optionTabs->setCurrentIndex(1);
     ok = camera.take(&window, QStringLiteral("options-exclude-folder")) && ok;
+    optionTabs->setCurrentIndex(optionTabs->count() - 1);
+    ok = camera.take(&window, QStringLiteral("options-scan-history")) && ok;
     optionTabs->setCurrentIndex(0);
     tabs->setCurrentIndex(0);
     return ok;
@@ -382,6 +384,8 @@ int main(int argc, char* argv[])
     if (std::any_of(resultScreens.begin(), resultScreens.end(),
                     [&camera](const QString& name) { return camera.wanted(name); })) {
         ok = makeSampleTree(samples) && results(window, camera, samples, appearance) && ok;
+        // Back home, the sample folder heads the recent ones, scanned just now.
+        ok = camera.take(&window, QStringLiteral("home-recent")) && ok;
     }
     if (camera.wanted(QStringLiteral("results-opened")))
         ok = (QFileInfo::exists(samples) || makeSampleTree(samples)) &&
