@@ -11,12 +11,12 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QMutex>
-#include <QRegularExpression>
 #include <QSaveFile>
 #include <QStandardPaths>
 #include <QTimeZone>
 
 #include <algorithm>
+#include <optional>
 
 namespace {
 
@@ -28,20 +28,53 @@ constexpr int indexFormat = 1;
 constexpr qsizetype keyLength = 16;
 const QString timeFormat = QStringLiteral("yyyyMMdd'T'HHmmss");
 
-const QRegularExpression& keptName()
+// Matched without a regular expression: keeps run on a thread of their own,
+// and under Wine a regular expression matched off the GUI thread leaves the
+// process hanging at its exit.
+bool allOf(QStringView text, bool (*test)(QChar))
 {
-    static const QRegularExpression name(
-        QStringLiteral("^([0-9a-f]{16})-(\\d{8}T\\d{6})Z\\.json\\.gz$"));
-    return name;
+    return std::all_of(text.begin(), text.end(), test);
+}
+
+bool isHexDigit(QChar c)
+{
+    return (c >= u'0' && c <= u'9') || (c >= u'a' && c <= u'f');
+}
+
+bool isDigit(QChar c)
+{
+    return c >= u'0' && c <= u'9';
+}
+
+// KEY-yyyyMMddTHHmmssZ.json.gz: the key and the stamp, or nothing.
+struct KeptName {
+    QStringView key;
+    QStringView stamp;
+};
+std::optional<KeptName> keptName(QStringView name)
+{
+    constexpr QStringView ending = u"Z.json.gz";
+    constexpr qsizetype stampLength = 15;
+    if (name.size() != keyLength + 1 + stampLength + ending.size() || !name.endsWith(ending) ||
+        name[keyLength] != u'-')
+        return std::nullopt;
+    const QStringView key = name.left(keyLength);
+    const QStringView stamp = name.mid(keyLength + 1, stampLength);
+    if (!allOf(key, isHexDigit) || stamp[8] != u'T' || !allOf(stamp.left(8), isDigit) ||
+        !allOf(stamp.mid(9), isDigit))
+        return std::nullopt;
+    return KeptName{key, stamp};
 }
 
 // A kept scan or the index, or what a write of one left behind when the
-// program was stopped in the middle of it.
-bool isOurs(const QString& fileName)
+// program was stopped in the middle of it (the name, a dot and a suffix).
+bool isOurs(QStringView fileName)
 {
-    static const QRegularExpression name(
-        QStringLiteral("^([0-9a-f]{16}-\\d{8}T\\d{6}Z\\.json\\.gz|index\\.json)(\\.\\w+)?$"));
-    return name.match(fileName).hasMatch();
+    const auto isKept = [](QStringView name) {
+        return name == u"index.json" || keptName(name).has_value();
+    };
+    const qsizetype dot = fileName.lastIndexOf(u'.');
+    return isKept(fileName) || (dot > 0 && dot + 1 < fileName.size() && isKept(fileName.left(dot)));
 }
 
 // Whether two paths name one folder: as the system compares them, and with
@@ -209,12 +242,13 @@ QList<ScanHistory::Kept> ScanHistory::listKept() const
     const QFileInfoList files =
         QDir(base).entryInfoList({QStringLiteral("*.json.gz")}, QDir::Files);
     for (const QFileInfo& info : files) {
-        const QRegularExpressionMatch name = keptName().match(info.fileName());
-        if (!name.hasMatch())
+        const QString fileName = info.fileName();
+        const std::optional<KeptName> name = keptName(fileName);
+        if (!name)
             continue;
-        const QDateTime scannedAt = timeOf(name.captured(2));
+        const QDateTime scannedAt = timeOf(name->stamp.toString());
         if (scannedAt.isValid())
-            kept.append({name.captured(1), info.filePath(), scannedAt, info.size()});
+            kept.append({name->key.toString(), info.filePath(), scannedAt, info.size()});
     }
     std::sort(kept.begin(), kept.end(), [](const Kept& one, const Kept& other) {
         return one.scannedAt != other.scannedAt ? one.scannedAt > other.scannedAt
