@@ -15,6 +15,7 @@ enum Column {
     MaxData,
     Index,
     OnDisk, // bytes on disk, hard-linked files counted once
+    Change, // while comparing with an older scan: what changed since
     Count   // the number of columns
 };
 } // namespace FolderColumn

@@ -1,5 +1,6 @@
 #include "DiskUsageScanProgressForm.h"
 
+#include "CompareDialog.h"
 #include "DiskUsageScanInfoForm.h"
 #include "RemovalQuestion.h"
 #include "ResultDetailsDialog.h"
@@ -9,18 +10,23 @@
 
 #include <QClipboard>
 #include <QDir>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QLocale>
+#include <QMenu>
+#include <QMessageBox>
 
 DiskUsageScanProgressForm::DiskUsageScanProgressForm(QWidget* parent)
     : QWidget(parent)
     , ui(std::make_unique<Ui::DiskUsageScanProgressForm>())
     , changes(this)
+    , comparer(this)
 {
     ui->setupUi(this);
     setUpMap();
     connectButtons();
     setUpActions();
+    setUpComparing();
     scanPanel = addScanPanel();
     connect(scanPanel, &DiskUsageScanInfoForm::scanCancel, this,
             &DiskUsageScanProgressForm::onScanCancel);
@@ -225,7 +231,11 @@ void DiskUsageScanProgressForm::onFolderSelected()
     if (!folder)
         return;
     ui->treemapView->setHighlighted(*folder);
-    ui->maxItemWidget->showFolder(*generalModel.tree(), *folder);
+    const std::shared_ptr<const ScanComparison>& comparison = comparer.comparison();
+    if (comparison && comparison->newerTree() == generalModel.tree())
+        ui->maxItemWidget->showChanges(*comparison, *folder);
+    else
+        ui->maxItemWidget->showFolder(*generalModel.tree(), *folder);
 }
 
 void DiskUsageScanProgressForm::onExploreFolder()
@@ -275,6 +285,9 @@ void DiskUsageScanProgressForm::startRelease()
     if (releasing)
         return;
     releasing = true;
+    comparer.stop();
+    ui->compareLabel->hide();
+    stopComparingAction->setEnabled(false);
     ui->treeView->letGo();
     ui->biggestFileTreeView->setModel(nullptr);
     ui->dataFilesTreeView->setModel(nullptr);
@@ -480,6 +493,7 @@ void DiskUsageScanProgressForm::onChangesStarted(const QString& doing)
 void DiskUsageScanProgressForm::onScanChanged()
 {
     const ScanResult& result = changes.scan();
+    comparer.follow(result);
     const FolderTreeView::Place place = ui->treeView->place();
     const QString category = ui->dataFilesTreeView->selectedName();
     generalModel.setTree(result.tree, oneDrivePath);
@@ -530,4 +544,68 @@ void DiskUsageScanProgressForm::onSearchChosen(ScanTree::Index entry)
     ui->treeView->setCurrentIndex(row);
     ui->treeView->scrollTo(row);
     ui->treeView->setFocus();
+}
+
+void DiskUsageScanProgressForm::setUpComparing()
+{
+    using Form = DiskUsageScanProgressForm;
+    auto* menu = new QMenu(this);
+    stopComparingAction = menu->addAction(QStringLiteral("Stop Comparing"));
+    stopComparingAction->setObjectName(QStringLiteral("stopComparingAction"));
+    stopComparingAction->setEnabled(false);
+    ui->compareButton->setMenu(menu);
+    ui->compareLabel->hide();
+    connect(ui->compareButton, &QAbstractButton::clicked, this, &Form::onCompare);
+    connect(stopComparingAction, &QAction::triggered, this, &Form::onStopComparing);
+    connect(&comparer, &ScanComparer::compared, this, &Form::onCompared);
+    connect(&comparer, &ScanComparer::failed, this, &Form::onCompareFailed);
+}
+
+void DiskUsageScanProgressForm::onCompare()
+{
+    CompareDialog dialog(ScanHistory().scansOf(scannedFolder), scannedFolder, this);
+    if (dialog.exec() != QDialog::Accepted || !changes.scan().tree)
+        return;
+    const QString file = dialog.chosenFile();
+    comparer.compareWith(file, changes.scan(), scannedFolder);
+    showChanges();
+    ui->compareLabel->setText(QStringLiteral("Reading %1...").arg(QFileInfo(file).fileName()));
+    ui->compareLabel->setToolTip(QDir::toNativeSeparators(file));
+    ui->compareLabel->show();
+    stopComparingAction->setEnabled(true);
+}
+
+void DiskUsageScanProgressForm::onCompared()
+{
+    showChanges();
+    const QDateTime scannedAt = comparer.olderScannedAt();
+    const QString since = scannedAt.isValid()
+                              ? QLocale().toString(scannedAt.toLocalTime(), QLocale::ShortFormat)
+                              : QFileInfo(comparer.olderFile()).fileName();
+    ui->compareLabel->setText(
+        QStringLiteral("Since %1: %2")
+            .arg(since, ScanComparison::changeText(comparer.comparison()->changeOf(0))));
+}
+
+void DiskUsageScanProgressForm::onCompareFailed(const QString& reason)
+{
+    onStopComparing();
+    QMessageBox::warning(this, QStringLiteral("Compare with an Older Scan"), reason);
+}
+
+void DiskUsageScanProgressForm::onStopComparing()
+{
+    comparer.stop();
+    showChanges();
+    ui->compareLabel->hide();
+    stopComparingAction->setEnabled(false);
+}
+
+// The views follow the comparison of the scan they show, or go back to none.
+void DiskUsageScanProgressForm::showChanges()
+{
+    const std::shared_ptr<const ScanComparison>& comparison = comparer.comparison();
+    ui->treeView->showChanges(comparison);
+    ui->treemapView->showChanges(comparison);
+    onFolderSelected();
 }

@@ -5,6 +5,7 @@
 #include "FolderTreeModel.h"
 #include "ResultActions.h"
 #include "ResultChanges.h"
+#include "ScanComparer.h"
 #include "ScanController.h"
 
 #include <QPointer>
@@ -21,8 +22,10 @@ class DiskUsageScanProgressForm;
 
 // The results of one scan: the scanning panel while the scan runs, then a
 // folder tree with a legend of the selected folder's largest children, the 20
-// biggest files, the data files by type and a map. Leaving releases the
-// results on a thread of their own before the page asks to go back home.
+// biggest files, the data files by type and a map; compared with an older
+// scan, the tree, the legend and the map show what changed since. Leaving
+// releases the results on a thread of their own before the page asks to go
+// back home.
 class DiskUsageScanProgressForm : public QWidget {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(DiskUsageScanProgressForm)
@@ -88,11 +91,21 @@ private:
     void onSearchChosen(ScanTree::Index entry);
     [[nodiscard]] QStringList categoryNames() const;
 
+    // Comparing with an older scan.
+    void setUpComparing();
+    void onCompare();
+    void onCompared();
+    void onCompareFailed(const QString& reason);
+    void onStopComparing();
+    void showChanges();
+
     std::unique_ptr<Ui::DiskUsageScanProgressForm> ui;
     ScanController scan;
     ScanRequest request; // repeated for a folder read again
     ResultChanges changes;
     ResultActions resultActions;
+    ScanComparer comparer;
+    QAction* stopComparingAction = nullptr;
     // The list or map the actions were last prepared for.
     QPointer<QWidget> actingOn;
     // The data files of one category, while their dialog is open.

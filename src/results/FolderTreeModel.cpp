@@ -16,14 +16,44 @@ FolderTreeModel::FolderTreeModel(QObject* parent)
 
 FolderTreeModel::~FolderTreeModel() = default;
 
+namespace {
+
+// Past this many, the gone entries of a folder are counted, not named.
+constexpr std::size_t goneNamed = 10;
+
+} // namespace
+
 void FolderTreeModel::setTree(std::shared_ptr<const ScanTree> tree, const QString& oneDrivePath)
 {
     beginResetModel();
     scan = std::move(tree);
     oneDrive = oneDrivePath;
+    if (compared && compared->newerTree() != scan)
+        compared.reset();
+    forgetRows();
+    endResetModel();
+}
+
+void FolderTreeModel::setComparison(std::shared_ptr<const ScanComparison> comparison)
+{
+    beginResetModel();
+    compared = comparison && comparison->newerTree() == scan ? std::move(comparison) : nullptr;
+    forgetRows();
+    endResetModel();
+}
+
+void FolderTreeModel::setOrder(Order order)
+{
+    beginResetModel();
+    ordered = order;
+    forgetRows();
+    endResetModel();
+}
+
+void FolderTreeModel::forgetRows()
+{
     rows.clear();
     rowInParent.clear();
-    endResetModel();
 }
 
 void FolderTreeModel::clear()
@@ -41,12 +71,22 @@ const std::vector<ScanTree::Index>& FolderTreeModel::rowsOf(Index folder) const
     const auto found = rows.find(folder);
     if (found != rows.end())
         return found->second;
-    std::vector<Index> ordered = scan->shownSubfolders(folder);
-    std::stable_sort(ordered.begin(), ordered.end(),
-                     [this](Index a, Index b) { return scan->node(a).size > scan->node(b).size; });
-    for (std::size_t row = 0; row < ordered.size(); ++row)
-        rowInParent[ordered[row]] = int(row);
-    return rows.emplace(folder, std::move(ordered)).first->second;
+    std::vector<Index> children = scan->shownSubfolders(folder);
+    const auto larger = [this](Index a, Index b) {
+        return scan->node(a).size > scan->node(b).size;
+    };
+    if (compared && ordered == Order::ByGrowth) {
+        std::stable_sort(children.begin(), children.end(), [&](Index a, Index b) {
+            const std::int64_t grownA = compared->changeOf(a).bytes;
+            const std::int64_t grownB = compared->changeOf(b).bytes;
+            return grownA != grownB ? grownA > grownB : larger(a, b);
+        });
+    } else {
+        std::stable_sort(children.begin(), children.end(), larger);
+    }
+    for (std::size_t row = 0; row < children.size(); ++row)
+        rowInParent[children[row]] = int(row);
+    return rows.emplace(folder, std::move(children)).first->second;
 }
 
 int FolderTreeModel::rowOf(Index folder) const
@@ -129,6 +169,8 @@ QVariant FolderTreeModel::data(const QModelIndex& index, int role) const
     // A deep folder's name may be cut short: the tooltip has its whole path.
     if (role == Qt::ToolTipRole && index.column() == Name)
         return scan->shownPath(node);
+    if (index.column() == Change)
+        return changeData(node, role);
     if (role != Qt::DisplayRole && role != Qt::EditRole)
         return {};
     return value(node, index.column());
@@ -163,11 +205,54 @@ QVariant FolderTreeModel::value(Index node, int column) const
     }
 }
 
+QVariant FolderTreeModel::changeData(Index node, int role) const
+{
+    if (!compared)
+        return {};
+    const ScanComparison::Change change = compared->changeOf(node);
+    switch (role) {
+    case Qt::DisplayRole:
+    case Qt::EditRole:
+        return change.status == ScanComparison::Status::New ? QStringLiteral("new")
+                                                            : ScanComparison::changeText(change);
+    case Qt::ToolTipRole:
+        return ScanComparison::changeText(change) + goneText(node);
+    case ChangeBytesRole:
+        return QVariant::fromValue<qlonglong>(change.bytes);
+    case ChangeFilesRole:
+        return QVariant::fromValue<qlonglong>(change.files);
+    case ChangeStatusRole:
+        return int(change.status);
+    default:
+        return {};
+    }
+}
+
+// What went from a folder: the change column counts it, the tooltip names it.
+QString FolderTreeModel::goneText(Index folder) const
+{
+    const std::span<const ScanComparison::Gone> gone = compared->goneFrom(folder);
+    if (gone.empty())
+        return {};
+    QString text = QStringLiteral("\nGone from it:");
+    const ScanTree& older = compared->older();
+    for (std::size_t shown = 0; shown < gone.size() && shown < goneNamed; ++shown) {
+        const Index entry = gone[shown].entry;
+        text += QStringLiteral("\n  %1%2  %3")
+                    .arg(older.nameText(entry),
+                         older.node(entry).isFolder() ? QStringLiteral("/") : QString(),
+                         ScanComparison::changeText(compared->goneChangeOf(entry)));
+    }
+    if (gone.size() > goneNamed)
+        text += QStringLiteral("\n  and %1 more").arg(gone.size() - goneNamed);
+    return text;
+}
+
 QVariant FolderTreeModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
-    static const char* const titles[Count] = {"Name",  "Size",   "File Count", "Folder Count",
-                                              "Size",  "Path",   "Percentage", "MaxData",
-                                              "Index", "On Disk"};
+    static const char* const titles[Count] = {"Name",  "Size",    "File Count", "Folder Count",
+                                              "Size",  "Path",    "Percentage", "MaxData",
+                                              "Index", "On Disk", "Change"};
     if (orientation != Qt::Horizontal || role != Qt::DisplayRole || section < 0 || section >= Count)
         return QAbstractItemModel::headerData(section, orientation, role);
     return QString::fromLatin1(titles[section]);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "scan/ScanTree.h"
+#include "scan/ScanComparison.h"
 
 #include <QAbstractItemModel>
 #include <QIcon>
@@ -11,7 +11,8 @@
 
 // The folder tree of a scan as rows: the scanned folder, and below each
 // folder its subfolders (not the excluded ones), largest first, ties in
-// listing order. Values are read from the scan's tree as a view asks for
+// listing order; while comparing with an older scan, on request those that
+// grew most first. Values are read from the scan's tree as a view asks for
 // them; a folder's rows are ordered the first time they are wanted, and that
 // order kept.
 class FolderTreeModel : public QAbstractItemModel {
@@ -19,6 +20,10 @@ class FolderTreeModel : public QAbstractItemModel {
     Q_DISABLE_COPY_MOVE(FolderTreeModel)
 
 public:
+    // The Change column's figures, as numbers.
+    enum Role { ChangeBytesRole = Qt::UserRole, ChangeFilesRole, ChangeStatusRole };
+    enum class Order { BySize, ByGrowth };
+
     explicit FolderTreeModel(QObject* parent = nullptr);
     ~FolderTreeModel() override;
 
@@ -27,6 +32,18 @@ public:
     // Lets go of the tree: no rows.
     void clear();
     [[nodiscard]] const std::shared_ptr<const ScanTree>& tree() const { return scan; }
+    // What the Change column shows: a comparison of an older scan with this
+    // tree (one made of another tree is not taken), or none. Orders the rows
+    // again; so does a new tree, which lets go of the comparison.
+    void setComparison(std::shared_ptr<const ScanComparison> comparison);
+    [[nodiscard]] const std::shared_ptr<const ScanComparison>& comparison() const
+    {
+        return compared;
+    }
+    // Growth orders the rows only while comparing; the order stays for the
+    // next comparison.
+    void setOrder(Order order);
+    [[nodiscard]] Order order() const { return ordered; }
 
     // The row of a folder node, made on demand however deep it lies.
     [[nodiscard]] QModelIndex indexOf(ScanTree::Index folder, int column = 0) const;
@@ -50,8 +67,13 @@ private:
     const std::vector<Index>& rowsOf(Index folder) const;
     [[nodiscard]] int rowOf(Index folder) const;
     [[nodiscard]] QVariant value(Index node, int column) const;
+    [[nodiscard]] QVariant changeData(Index node, int role) const;
+    [[nodiscard]] QString goneText(Index folder) const;
+    void forgetRows();
 
     std::shared_ptr<const ScanTree> scan;
+    std::shared_ptr<const ScanComparison> compared;
+    Order ordered = Order::BySize;
     QString oneDrive;
     QIcon folderIcon;
     QIcon cloudIcon;

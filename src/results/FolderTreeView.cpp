@@ -12,10 +12,11 @@ using namespace FolderColumn;
 FolderTreeView::FolderTreeView(QWidget* parent)
     : ResultView(parent)
 {
-    // Clickable, but a click does not re-sort: rows keep the order of loading.
+    // Clickable, but a click re-sorts only while comparing.
     header()->setSectionsClickable(true);
     setSelectionMode(QAbstractItemView::ExtendedSelection);
     connect(this, &QTreeView::expanded, this, &FolderTreeView::widenNameColumn);
+    connect(header(), &QHeaderView::sectionClicked, this, &FolderTreeView::onHeaderClicked);
 }
 
 FolderTreeView::~FolderTreeView() = default;
@@ -30,6 +31,46 @@ void FolderTreeView::showFolders(FolderTreeModel* model)
     for (int column = Size; column <= Index; ++column)
         hideColumn(column);
     showBesideSize(OnDisk, SizeText);
+    setColumnHidden(Change, !model->comparison());
+}
+
+void FolderTreeView::showChanges(std::shared_ptr<const ScanComparison> comparison)
+{
+    FolderTreeModel* shown = folders();
+    if (!shown)
+        return;
+    const bool comparing = comparison != nullptr;
+    reorder([&] {
+        if (!comparing)
+            shown->setOrder(FolderTreeModel::Order::BySize);
+        shown->setComparison(std::move(comparison));
+    });
+    setColumnHidden(Change, !shown->comparison());
+    if (comparing && columnWidth(Change) < 150)
+        setColumnWidth(Change, 150);
+}
+
+void FolderTreeView::onHeaderClicked(int section)
+{
+    FolderTreeModel* shown = folders();
+    if (!shown || !shown->comparison())
+        return;
+    const auto order =
+        section == Change ? FolderTreeModel::Order::ByGrowth : FolderTreeModel::Order::BySize;
+    if (order != shown->order())
+        reorder([&] { shown->setOrder(order); });
+}
+
+void FolderTreeView::reorder(const std::function<void()>& change)
+{
+    const Place here = place();
+    change();
+    restore(here);
+    const bool byGrowth =
+        folders()->comparison() && folders()->order() == FolderTreeModel::Order::ByGrowth;
+    header()->setSortIndicatorShown(byGrowth);
+    if (byGrowth)
+        header()->setSortIndicator(Change, Qt::DescendingOrder);
 }
 
 void FolderTreeView::letGo()

@@ -75,9 +75,7 @@ LegendWidget::~LegendWidget() = default;
 void LegendWidget::showFolder(const ScanTree& tree, ScanTree::Index folder)
 {
     const quint64 total = tree.node(folder).size;
-    summaryIcon->setPixmap(QPixmap(folderIcon));
-    summaryName->setText(tree.nameText(folder));
-    summarySize->setText(DiskUsageGlobal::sizeText(double(total)));
+    showSummary(tree.nameText(folder), DiskUsageGlobal::sizeText(double(total)));
 
     quint64 listed = 0;
     int filled = 0;
@@ -85,26 +83,66 @@ void LegendWidget::showFolder(const ScanTree& tree, ScanTree::Index folder)
         const quint64 size = tree.node(child).size;
         listed += size;
         showRow(filled++, tree.node(child).isFolder() ? folderIcon : fileIcon,
-                shortenedName(tree.nameText(child)), size);
+                shortenedName(tree.nameText(child)), DiskUsageGlobal::sizeText(double(size)));
     }
-    for (int hidden = filled; hidden < rows; ++hidden) {
+    hideRowsFrom(filled);
+    // Everything that is not among the largest children.
+    if (total > listed && filled < rows)
+        showRow(filled, otherIcon, QStringLiteral("Other Smaller Items"),
+                DiskUsageGlobal::sizeText(double(total - listed)));
+}
+
+void LegendWidget::showChanges(const ScanComparison& comparison, ScanTree::Index folder)
+{
+    using Change = ScanComparison::Change;
+    const ScanTree& tree = comparison.newer();
+    const Change total = comparison.changeOf(folder);
+    showSummary(tree.nameText(folder), ScanComparison::changeText(total));
+
+    std::int64_t listed = 0;
+    int filled = 0;
+    for (ScanTree::Index child : comparison.grownChildren(folder, rows - 1)) {
+        const Change change = comparison.changeOf(child);
+        listed += change.bytes;
+        const bool isNew = change.status == ScanComparison::Status::New;
+        showRow(filled++, tree.node(child).isFolder() ? folderIcon : fileIcon,
+                shortenedName(tree.nameText(child)) +
+                    (isNew ? QStringLiteral(" (new)") : QString()),
+                ScanComparison::changeText({change.bytes, 0, change.status}));
+    }
+    if (filled == 0)
+        showRow(filled++, otherIcon, QStringLiteral("Nothing in it grew"), {});
+    hideRowsFrom(filled);
+    // What shrank, went, or grew too little to be listed.
+    if (total.bytes != listed && filled < rows)
+        showRow(filled, otherIcon, QStringLiteral("Other Changes"),
+                ScanComparison::changeText({total.bytes - listed, 0, total.status}));
+}
+
+void LegendWidget::showSummary(const QString& name, const QString& size)
+{
+    summaryIcon->setPixmap(QPixmap(folderIcon));
+    summaryName->setText(name);
+    summarySize->setText(size);
+}
+
+void LegendWidget::showRow(int row, const QString& icon, const QString& name, const QString& size)
+{
+    icons[row]->setPixmap(QPixmap(icon));
+    names[row]->setText(name);
+    sizes[row]->setText(size);
+    icons[row]->show();
+    names[row]->show();
+    sizes[row]->show();
+}
+
+void LegendWidget::hideRowsFrom(int row)
+{
+    for (int hidden = row; hidden < rows; ++hidden) {
         icons[hidden]->hide();
         names[hidden]->hide();
         sizes[hidden]->hide();
     }
-    // Everything that is not among the largest children.
-    if (total > listed && filled < rows)
-        showRow(filled, otherIcon, QStringLiteral("Other Smaller Items"), total - listed);
-}
-
-void LegendWidget::showRow(int row, const QString& icon, const QString& name, quint64 size)
-{
-    icons[row]->setPixmap(QPixmap(icon));
-    names[row]->setText(name);
-    sizes[row]->setText(DiskUsageGlobal::sizeText(double(size)));
-    icons[row]->show();
-    names[row]->show();
-    sizes[row]->show();
 }
 
 QString LegendWidget::shortenedName(const QString& name)

@@ -96,7 +96,7 @@ std::vector<TreemapLayout::Child> TreemapLayout::childrenOf(const ScanTree& tree
 TreemapLayout::Cell TreemapLayout::topCell(const ScanTree& tree, ScanTree::Index top,
                                            const QRectF& area)
 {
-    Cell cell{area, top, -1, true, 0, 0};
+    Cell cell{area, top, -1, true, 0, 0, Tint::Branch};
     ScanTree::Index branch = top;
     for (ScanTree::Index above = top; above != 0; above = tree.node(above).parent) {
         ++cell.depth;
@@ -136,9 +136,33 @@ std::vector<TreemapLayout::Cell> TreemapLayout::layout(const ScanTree& tree, Sca
                 continue;
             const std::uint32_t branch = cell.depth == 0 ? order[child].ordinal : cell.branch;
             cells.push_back({rects[child], order[child].block, std::int32_t(index), true,
-                             cell.depth + 1, branch});
+                             cell.depth + 1, branch, Tint::Branch});
             cells[index].leaf = false;
         }
     }
     return cells;
+}
+
+void TreemapLayout::tintByChange(std::vector<Cell>& cells, const ScanComparison& comparison)
+{
+    for (Cell& cell : cells) {
+        const ScanTree::Index folder = folderOf(cell.block);
+        const ScanComparison::Status status = isFiles(cell.block)
+                                                  ? comparison.filesChangeOf(folder).status
+                                                  : comparison.changeOf(folder).status;
+        switch (status) {
+        case ScanComparison::Status::Same:
+            cell.tint = Tint::Same;
+            break;
+        case ScanComparison::Status::Grown:
+            cell.tint = Tint::Grown;
+            break;
+        case ScanComparison::Status::Shrunk:
+            cell.tint = Tint::Shrunk;
+            break;
+        case ScanComparison::Status::New:
+            cell.tint = Tint::New;
+            break;
+        }
+    }
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "scan/ScanTree.h"
+#include "scan/ScanComparison.h"
 
 #include <QRectF>
 
@@ -21,6 +21,10 @@ public:
     static constexpr Block filesBit = 0x80000000u;
     static constexpr Block none = 0xffffffffu;
 
+    // What a cell's colour tells: which block of the scanned folder it lies
+    // in, or while comparing with an older scan, how it changed.
+    enum class Tint : std::uint8_t { Branch, Same, Grown, Shrunk, New };
+
     struct Cell {
         QRectF rect;
         Block block = 0;
@@ -29,6 +33,7 @@ public:
         std::uint32_t depth = 0;  // below the scanned folder
         // Which block of the scanned folder this one is or lies in: its colour.
         std::uint32_t branch = 0;
+        Tint tint = Tint::Branch;
     };
 
     [[nodiscard]] static bool isFiles(Block block) { return block & filesBit; }
@@ -50,6 +55,9 @@ public:
     // level over the one above. `top` is the folder shown whole.
     [[nodiscard]] static std::vector<Cell> layout(const ScanTree& tree, ScanTree::Index top,
                                                   const QRectF& area);
+    // Tints every cell by its change: a folder's, or that of the files
+    // directly in it, those gone included.
+    static void tintByChange(std::vector<Cell>& cells, const ScanComparison& comparison);
     // Rectangles for sizes given largest first, filling the area.
     [[nodiscard]] static std::vector<QRectF> squarify(const std::vector<double>& sizes,
                                                       const QRectF& area);

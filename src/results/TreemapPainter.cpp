@@ -65,14 +65,32 @@ void paintCushion(QImage& image, const QRectF& rect, const Surface& surface, QCo
 
 } // namespace
 
-QColor TreemapPainter::colourOf(const TreemapLayout::Cell& node)
+// Mid tones, which read on the map's grey and in light and dark windows alike.
+QColor TreemapPainter::baseColourOf(const TreemapLayout::Cell& node)
 {
+    using Tint = TreemapLayout::Tint;
     // Hues far apart for neighbours, repeated only after twelve branches.
     static constexpr std::array<int, 12> hues{210, 30, 120, 330, 50,  270,
                                               170, 0,  90,  240, 300, 190};
-    const int hue = hues[node.branch % hues.size()];
+    switch (node.tint) {
+    case Tint::Branch:
+        return QColor::fromHsv(hues[node.branch % hues.size()], 170, 230);
+    case Tint::Same:
+        return QColor::fromHsv(0, 0, 175);
+    case Tint::Grown:
+        return QColor::fromHsv(8, 130, 235);
+    case Tint::Shrunk:
+        return QColor::fromHsv(130, 140, 200);
+    case Tint::New:
+        return QColor::fromHsv(355, 235, 220);
+    }
+    return {};
+}
+
+QColor TreemapPainter::colourOf(const TreemapLayout::Cell& node)
+{
     const double lighter = std::min(0.45, 0.07 * double(node.depth > 0 ? node.depth - 1 : 0));
-    QColor colour = QColor::fromHsv(hue, 170, 230);
+    const QColor colour = baseColourOf(node);
     return QColor::fromRgbF(float(colour.redF() + (1 - colour.redF()) * lighter),
                             float(colour.greenF() + (1 - colour.greenF()) * lighter),
                             float(colour.blueF() + (1 - colour.blueF()) * lighter));

@@ -69,6 +69,8 @@ void TreemapView::follow(std::shared_ptr<const ScanTree> changed)
     tree = std::move(changed);
     if (!tree)
         return clear();
+    if (changes && changes->newerTree() != tree)
+        changes.reset();
     cells.clear();
     highlighted = ScanTree::none;
     ++generation;
@@ -80,9 +82,21 @@ void TreemapView::follow(std::shared_ptr<const ScanTree> changed)
     emit zoomChanged(tree->shownPath(top));
 }
 
+void TreemapView::showChanges(std::shared_ptr<const ScanComparison> comparison)
+{
+    changes = comparison && comparison->newerTree() == tree ? std::move(comparison) : nullptr;
+    if (!tree)
+        return;
+    if (isVisible())
+        return render();
+    image = QImage();
+    ++generation; // a picture under way has the colours of before
+}
+
 void TreemapView::clear()
 {
     tree.reset();
+    changes.reset();
     image = QImage();
     cells.clear();
     cells.shrink_to_fit();
@@ -100,8 +114,10 @@ void TreemapView::render()
     auto done = std::make_shared<Render>();
     done->generation = ++generation;
     QThreadPool::globalInstance()->start(
-        [done, map = tree, from = top, area = size(), to = delivery] {
+        [done, map = tree, compared = changes, from = top, area = size(), to = delivery] {
             done->cells = TreemapLayout::layout(*map, from, QRectF(QPointF(0, 0), area));
+            if (compared)
+                TreemapLayout::tintByChange(done->cells, *compared);
             done->image = TreemapPainter::paint(done->cells, area);
             std::lock_guard lock(to->mutex);
             if (to->view) {
@@ -255,7 +271,16 @@ QString TreemapView::toolTipFor(TreemapLayout::Block block) const
     const quint64 size = TreemapLayout::sizeOf(*tree, block);
     const double share = 100.0 * double(size) / double(std::max<quint64>(1, tree->node(0).size));
     const QString path = tree->shownPath(folder);
-    const QString shareText = QStringLiteral("%1% of the scanned folder").arg(share, 0, 'f', 2);
+    QString shareText = QStringLiteral("%1% of the scanned folder").arg(share, 0, 'f', 2);
+    if (changes) {
+        const ScanComparison::Change change = TreemapLayout::isFiles(block)
+                                                  ? changes->filesChangeOf(folder)
+                                                  : changes->changeOf(folder);
+        shareText += change.status == ScanComparison::Status::New
+                         ? QStringLiteral("\nNot in the older scan")
+                         : QStringLiteral("\n%1 since the older scan")
+                               .arg(ScanComparison::changeText(change));
+    }
     if (!TreemapLayout::isFiles(block)) {
         return QStringLiteral("%1\n%2\n%3 files, %4 folders\n%5")
             .arg(path, DiskUsageGlobal::sizeText(double(size)))

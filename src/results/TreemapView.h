@@ -14,7 +14,8 @@
 // painted on a pool thread into an image, so that a large tree or a resize
 // never holds up the window; a resize paints again once the user pauses.
 // Hovering tells what a block is, a click chooses its folder, a double-click
-// shows only that folder, Backspace goes back up one level.
+// shows only that folder, Backspace goes back up one level. While comparing
+// with an older scan, the blocks are coloured by their change.
 class TreemapView : public QWidget {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(TreemapView)
@@ -30,6 +31,11 @@ public:
     void follow(std::shared_ptr<const ScanTree> changed);
     // Lets go of the scan and everything drawn of it.
     void clear();
+    // Colours the blocks by a comparison's changes (one made of another tree
+    // than the map's is not taken), or, given none, by the folder they lie in
+    // again. A changed scan lets go of the comparison.
+    void showChanges(std::shared_ptr<const ScanComparison> comparison);
+    [[nodiscard]] bool showsChanges() const { return changes != nullptr; }
     // Outlines a folder's rectangle (or its nearest folder shown).
     void setHighlighted(ScanTree::Index folder);
     [[nodiscard]] bool canZoomOut() const;
@@ -67,6 +73,7 @@ private:
     [[nodiscard]] QString toolTipFor(TreemapLayout::Block block) const;
 
     std::shared_ptr<const ScanTree> tree;
+    std::shared_ptr<const ScanComparison> changes;
     ScanTree::Index top = 0;
     ScanTree::Index highlighted = ScanTree::none;
     QImage image;
