@@ -155,16 +155,19 @@ void letGo(const QString& file, const char* why)
 
 QString ScanHistory::defaultLocation()
 {
-    // On Windows the generic data folder is the local application data, which
-    // does not roam with the user: scans are large and of this machine.
-    const QString data = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
-    if (data.isEmpty())
-        return {};
 #ifdef Q_OS_WIN
-    return data + QStringLiteral("/Tallyroot/scans");
+    // The local application data, which does not roam with the user: scans
+    // are large and of this machine. As the environment names it, so that it
+    // can be pointed elsewhere; else the known folder.
+    QString data = QDir::fromNativeSeparators(qEnvironmentVariable("LOCALAPPDATA"));
+    if (data.isEmpty())
+        data = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
+    const QString scans = QStringLiteral("/Tallyroot/scans");
 #else
-    return data + QStringLiteral("/tallyroot/scans");
+    const QString data = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
+    const QString scans = QStringLiteral("/tallyroot/scans");
 #endif
+    return data.isEmpty() ? QString() : data + scans;
 }
 
 ScanHistory::ScanHistory(QString where)
@@ -240,7 +243,7 @@ QList<ScanHistory::Kept> ScanHistory::listKept() const
         return {};
     QList<Kept> kept;
     const QFileInfoList files =
-        QDir(base).entryInfoList({QStringLiteral("*.json.gz")}, QDir::Files);
+        QDir(base).entryInfoList(QDir::Files); // a name filter would be a regular expression
     for (const QFileInfo& info : files) {
         const QString fileName = info.fileName();
         const std::optional<KeptName> name = keptName(fileName);

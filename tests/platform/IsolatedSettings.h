@@ -7,8 +7,8 @@
 // Points the settings store at a throw-away place for the life of the object:
 // a temporary XDG_CONFIG_HOME on Linux, a test subkey under Windows. The
 // OneDrive folder is read from there too, never from the user's own setting.
-// On Linux the user's data folder (XDG_DATA_HOME, where scans are kept) is a
-// folder below it; clear() leaves that alone.
+// The user's data folder, where scans are kept, is a folder of its own too
+// (XDG_DATA_HOME on Linux, LOCALAPPDATA on Windows); clear() leaves it alone.
 class IsolatedSettings {
 public:
     IsolatedSettings();
