@@ -13,12 +13,16 @@
 #include "results/TreemapView.h"
 #include "scan/DiskUsageWorkerThread.h"
 #include "scan/ScanFile.h"
+#include "scan/ScanHistory.h"
 
 #include <QApplication>
+#include <QDialog>
+#include <QDialogButtonBox>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QPainter>
@@ -28,6 +32,7 @@
 #include <QTimer>
 #include <QToolButton>
 #include <QTreeView>
+#include <QTreeWidget>
 
 #include <algorithm>
 #include <cstdio>
@@ -318,6 +323,59 @@ bool opened(MainWindow& window, Camera& camera, const QString& folder)
     return ok;
 }
 
+// A month later: a new video, a new backup, the downloads tidied; the scan
+// compared with the one kept before, as the tree and as the map.
+bool compared(MainWindow& window, Camera& camera, const QString& folder)
+{
+    if (!camera.wanted(QStringLiteral("results-compare")) &&
+        !camera.wanted(QStringLiteral("results-compare-map")))
+        return true;
+    // The scan of the sample tree is kept on a thread of its own.
+    if (!waitFor([&folder] { return !ScanHistory().scansOf(folder).isEmpty(); }, 20'000))
+        return false;
+    waitFor([] { return false; }, 1100); // kept scans are named to the second
+    const bool changed =
+        makeFile(folder + QStringLiteral("/Videos/birthday-2026.mp4"), 820 * MB) &&
+        makeFile(folder + QStringLiteral("/Backups/phone-2026-11.tar.gz"), 610 * MB) &&
+        makeFile(folder + QStringLiteral("/Projects/model/gear.stl"), 44 * MB) &&
+        QFile::remove(folder + QStringLiteral("/Downloads/debian-12-amd64.iso"));
+    DiskUsageScanProgressForm* results = changed ? scan(window, folder) : nullptr;
+    if (!results)
+        return false;
+    // The dialog lists the kept scan: it is chosen once the dialog shows.
+    auto* chooser = new QTimer;
+    QObject::connect(chooser, &QTimer::timeout, chooser, [chooser] {
+        auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+        auto* list = dialog ? dialog->findChild<QTreeWidget*>(QStringLiteral("scanList")) : nullptr;
+        if (!list)
+            return;
+        chooser->deleteLater();
+        chooser->stop();
+        if (list->topLevelItemCount() > 0)
+            list->setCurrentItem(list->topLevelItem(list->topLevelItemCount() - 1));
+        if (auto* buttons = dialog->findChild<QDialogButtonBox*>())
+            emit buttons->accepted();
+    });
+    chooser->start(50);
+    child<QToolButton>(results, "compareButton")->click();
+    auto* label = child<QLabel>(results, "compareLabel");
+    waitFor([label] { return label->text().startsWith(QStringLiteral("Since")); }, 20'000);
+    // Wide enough for the change column beside the others.
+    const QSize size = window.size();
+    window.resize(1280, size.height());
+    auto* tree = child<QTreeView>(results, "treeView");
+    tree->expand(tree->model()->index(0, 0));
+    bool ok = camera.take(&window, QStringLiteral("results-compare"));
+    auto* tabs = child<QTabWidget>(results, "tabWidget");
+    tabs->setCurrentIndex(3);
+    auto* map = child<TreemapView>(results, "treemapView");
+    waitFor([map] { return map->isRendered(); }, 10'000);
+    ok = camera.take(&window, QStringLiteral("results-compare-map")) && ok;
+    window.resize(size);
+    goBack(window, results);
+    return ok;
+}
+
 bool drive(MainWindow& window, Camera& camera, const QString& root)
 {
     if (!camera.wanted(QStringLiteral("results-drive")))
@@ -379,13 +437,15 @@ int main(int argc, char* argv[])
     window.show();
     bool ok = homeAndOptions(window, camera);
     const QStringList resultScreens = {
-        "results-general",      "results-biggest-files",  "results-map",   "results-dark",
-        "results-context-menu", "results-confirm-delete", "results-search"};
+        "results-general", "results-biggest-files", "results-map",
+        "results-dark",    "results-context-menu",  "results-confirm-delete",
+        "results-search",  "results-compare",       "results-compare-map"};
     if (std::any_of(resultScreens.begin(), resultScreens.end(),
                     [&camera](const QString& name) { return camera.wanted(name); })) {
         ok = makeSampleTree(samples) && results(window, camera, samples, appearance) && ok;
         // Back home, the sample folder heads the recent ones, scanned just now.
         ok = camera.take(&window, QStringLiteral("home-recent")) && ok;
+        ok = compared(window, camera, samples) && ok;
     }
     if (camera.wanted(QStringLiteral("results-opened")))
         ok = (QFileInfo::exists(samples) || makeSampleTree(samples)) &&
