@@ -435,7 +435,7 @@ void TestResultsScreen::aWholeScanIsOfferedForKeepingOnce()
     QCOMPARE(offered.size(), 1);
     const ScanResult& scan = offered.first();
     QVERIFY(scan.isLive() && scan.scannedAt.isValid() && scan.tree);
-    QCOMPARE(scan.tree->rootPath(), dir.path());
+    QCOMPARE(scan.tree->rootPath(), QDir::toNativeSeparators(dir.path()));
     QVERIFY(scan.totalFiles >= 16);
     auto* changes = form.findChild<ResultChanges*>();
     QCOMPARE(changes->scan().tree, scan.tree);

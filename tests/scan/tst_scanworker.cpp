@@ -1,4 +1,5 @@
 #include "IsolatedSettings.h"
+#include "ScanSupport.h"
 #include "platform/NativeText.h"
 #include "results/CategoryModel.h"
 #include "results/Columns.h"
@@ -83,9 +84,7 @@ struct ScanRun {
         thread.wait();
         itemsShown = thread.itemsScanned();
         result = thread.takeResult();
-        QBuffer buffer(&json);
-        buffer.open(QIODevice::WriteOnly);
-        ScanJsonWriter(path, result).write(buffer);
+        json = jsonOf(path, result);
         folderModel.setTree(result.tree, oneDrive);
         dataFilesModel.setCategories(result.categories);
         biggest = result.biggestFiles;
