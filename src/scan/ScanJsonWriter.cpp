@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <functional>
 #include <vector>
 
 namespace {
@@ -103,6 +104,20 @@ constexpr qsizetype flushAt = 1 << 20;
 bool writeAll(QIODevice& device, const QByteArray& bytes)
 {
     return device.write(bytes) == bytes.size();
+}
+
+// A JSON array too large to hold: `fill` appends the elements to what it is
+// given and hands that over with writeWhenFull() as it grows. False when the
+// device took not all of it.
+bool writeArray(QIODevice& device, const std::function<bool(QByteArray&)>& fill)
+{
+    QByteArray out;
+    out.reserve(2 * flushAt);
+    out += '[';
+    if (!fill(out))
+        return false;
+    out += ']';
+    return writeAll(device, out);
 }
 
 // Hands what was gathered to the device once there is enough of it.
@@ -255,11 +270,10 @@ void ScanJsonWriter::appendSummary(QByteArray& out, ScanTree::Index folder,
 // and shrinks with the walk, so a deep tree costs no more than its output.
 bool ScanJsonWriter::writeFolders(QIODevice& device) const
 {
-    QByteArray out;
-    out.reserve(2 * flushAt);
-    out += '[';
-    if (result.tree) {
-        const ScanTree& tree = *result.tree;
+    if (!result.tree)
+        return writeAll(device, "[]");
+    const ScanTree& tree = *result.tree;
+    return writeArray(device, [&](QByteArray& out) {
         struct Pending {
             ScanTree::Index folder;
             int depth;
@@ -289,9 +303,8 @@ bool ScanJsonWriter::writeFolders(QIODevice& device) const
             if (!writeWhenFull(device, out))
                 return false;
         }
-    }
-    out += ']';
-    return writeAll(device, out);
+        return true;
+    });
 }
 
 // Every entry in walk order (pre-order, children in listing order), flat, so
@@ -299,11 +312,10 @@ bool ScanJsonWriter::writeFolders(QIODevice& device) const
 // says how many entries after it are its children, a file as an array.
 bool ScanJsonWriter::writeTree(QIODevice& device) const
 {
-    QByteArray out;
-    out.reserve(2 * flushAt);
-    out += '[';
-    if (result.tree) {
-        const ScanTree& tree = *result.tree;
+    if (!result.tree)
+        return writeAll(device, "[]");
+    const ScanTree& tree = *result.tree;
+    return writeArray(device, [&](QByteArray& out) {
         std::vector<ScanTree::Index> pending{0};
         while (!pending.empty()) {
             const ScanTree::Index entry = pending.back();
@@ -320,9 +332,8 @@ bool ScanJsonWriter::writeTree(QIODevice& device) const
             if (!writeWhenFull(device, out))
                 return false;
         }
-    }
-    out += ']';
-    return writeAll(device, out);
+        return true;
+    });
 }
 
 // A folder: {"children":N,"flags":F,"name":"…","onDisk":B}, with the bytes
