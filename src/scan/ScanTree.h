@@ -22,6 +22,10 @@ public:
     // high bit free for the map's blocks).
     static constexpr std::size_t maxNodes = 0x7fffffff;
 
+    // What a node's size is taken to be where sizes are compared: its bytes,
+    // or the space it takes on disk (a sparse or compressed file's is less).
+    enum class Measure : std::uint8_t { Size, OnDisk };
+
     enum Flag : std::uint8_t {
         Folder = 1,
         Unreadable = 2, // could not be listed, or its listing broke off
@@ -52,6 +56,10 @@ public:
         [[nodiscard]] bool isFolder() const { return flags & Folder; }
         // A folder that stands as a row of the results (every folder not excluded).
         [[nodiscard]] bool isShownFolder() const { return (flags & (Folder | Excluded)) == Folder; }
+        [[nodiscard]] std::uint64_t amount(Measure measure) const
+        {
+            return measure == Measure::OnDisk ? onDisk : size;
+        }
     };
 
     // The scanned folder as the user gave it, and the name its row shows.
