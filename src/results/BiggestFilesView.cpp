@@ -39,3 +39,24 @@ QStringList BiggestFilesView::selectedFilePaths() const
         paths << files->file(row.row()).filePath;
     return paths;
 }
+
+void BiggestFilesView::selectPath(const QString& path)
+{
+    if (!files || !selectionModel())
+        return;
+    for (int row = 0; row < files->rowCount(); ++row) {
+        if (files->file(row).filePath == path) {
+            setCurrentIndex(files->index(row, FileName));
+            scrollTo(currentIndex());
+            return;
+        }
+    }
+    clearSelection();
+}
+
+void BiggestFilesView::selectionChanged(const QItemSelection& selected,
+                                        const QItemSelection& deselected)
+{
+    ResultView::selectionChanged(selected, deselected);
+    emit fileChosen(selectedFilePath());
+}

@@ -20,6 +20,16 @@ public:
     // Empty without a selection.
     [[nodiscard]] QString selectedFilePath() const;
     [[nodiscard]] QStringList selectedFilePaths() const;
+    // Selects the file of this path alone; nothing when it is not listed.
+    void selectPath(const QString& path);
+
+signals:
+    // The user chose a file, or none (an empty path).
+    void fileChosen(const QString& path);
+
+protected:
+    void selectionChanged(const QItemSelection& selected,
+                          const QItemSelection& deselected) override;
 
 private:
     BiggestFilesModel* files = nullptr;

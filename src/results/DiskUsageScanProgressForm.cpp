@@ -6,6 +6,7 @@
 #include "ResultDetailsDialog.h"
 #include "desktop/ShellActions.h"
 #include "scan/VolumeReconciliation.h"
+#include "settings/SettingsStore.h"
 #include "ui_DiskUsageScanProgressForm.h"
 
 #include <QClipboard>
@@ -15,6 +16,13 @@
 #include <QLocale>
 #include <QMenu>
 #include <QMessageBox>
+
+namespace {
+
+// Whether the map is coloured by type (0) or by top-level folder (1).
+const QString mapColouringName = QStringLiteral("MapColouring");
+
+} // namespace
 
 DiskUsageScanProgressForm::DiskUsageScanProgressForm(QWidget* parent)
     : QWidget(parent)
@@ -43,8 +51,9 @@ DiskUsageScanProgressForm::DiskUsageScanProgressForm(QWidget* parent)
 // The scan's threads end with the controller, before the models they fill.
 DiskUsageScanProgressForm::~DiskUsageScanProgressForm() = default;
 
-// The map and the folder tree follow each other: a click on the map chooses
-// the folder in the tree, a folder chosen in the tree is outlined on the map.
+// The map and the lists follow each other: a click on the map chooses the
+// folder in the tree and the file where it is listed, a folder or file chosen
+// there is outlined on the map.
 void DiskUsageScanProgressForm::setUpMap()
 {
     TreemapView* map = ui->treemapView;
@@ -53,12 +62,60 @@ void DiskUsageScanProgressForm::setUpMap()
         ui->treeView->setCurrentIndex(index);
         ui->treeView->scrollTo(index);
     });
+    connect(map, &TreemapView::fileClicked, this, &DiskUsageScanProgressForm::onMapFileClicked);
+    connect(ui->biggestFileTreeView, &BiggestFilesView::fileChosen, this,
+            [this](const QString& path) {
+                const ScanTree* tree = changes.scan().tree.get();
+                const ScanTree::Index file = tree ? tree->locate(path) : ScanTree::none;
+                if (file != ScanTree::none)
+                    ui->treemapView->setHighlighted(file);
+            });
     connect(map, &TreemapView::zoomChanged, this, [this, map](const QString& folder) {
         ui->mapPathLabel->setText(folder);
         ui->mapUpButton->setEnabled(map->canZoomOut());
     });
     connect(ui->mapUpButton, &QAbstractButton::clicked, map, &TreemapView::zoomOut);
     ui->mapUpButton->setEnabled(false);
+    const std::optional<quint32> colouring = SettingsStore::readDword(mapColouringName);
+    ui->mapColourBox->setCurrentIndex(colouring == 1 ? 1 : 0);
+    map->setColouring(colouringOf(ui->mapColourBox->currentIndex()));
+    connect(ui->mapColourBox, &QComboBox::currentIndexChanged, this, [this](int index) {
+        ui->treemapView->setColouring(colouringOf(index));
+        SettingsStore::writeDword(mapColouringName, quint32(index));
+        showMapLegend();
+    });
+    connect(map, &TreemapView::categoryAmountsChanged, this,
+            &DiskUsageScanProgressForm::showMapLegend);
+}
+
+TreemapPainter::Colouring DiskUsageScanProgressForm::colouringOf(int choice)
+{
+    return choice == 1 ? TreemapPainter::Colouring::ByFolder : TreemapPainter::Colouring::ByType;
+}
+
+void DiskUsageScanProgressForm::showMapLegend()
+{
+    const TreemapView* map = ui->treemapView;
+    const ScanTree* tree = changes.scan().tree.get();
+    if (!tree)
+        return ui->mapLegend->clear();
+    if (map->colouring() == TreemapPainter::Colouring::ByFolder)
+        ui->mapLegend->showBranches(*tree, map->measure());
+    else
+        ui->mapLegend->showCategories(categoryNames(), map->categoryAmounts());
+}
+
+void DiskUsageScanProgressForm::onMapFileClicked(ScanTree::Index file)
+{
+    const ScanTree* tree = changes.scan().tree.get();
+    if (!tree)
+        return;
+    ui->biggestFileTreeView->selectPath(tree->path(file));
+    const QStringList names = categoryNames();
+    const std::uint8_t category = tree->node(file).category;
+    if (category < names.size())
+        ui->dataFilesTreeView->selectNamed(names[category]);
+    ui->treemapView->setHighlighted(file);
 }
 
 void DiskUsageScanProgressForm::connectButtons()
@@ -167,6 +224,7 @@ void DiskUsageScanProgressForm::showResults()
     ui->biggestFileTreeView->showFiles(&biggestFilesModel);
     dataFilesModel.setCategories(result.categories);
     ui->dataFilesTreeView->showCategories(&dataFilesModel);
+    ui->treemapView->setCategoryNames(categoryNames());
     ui->treemapView->setSource(generalModel.tree());
     ui->searchPanel->setTree(result.tree, categoryNames());
 }
@@ -292,6 +350,7 @@ void DiskUsageScanProgressForm::startRelease()
     ui->biggestFileTreeView->setModel(nullptr);
     ui->dataFilesTreeView->setModel(nullptr);
     ui->treemapView->clear();
+    ui->mapLegend->clear();
     ui->searchPanel->clear();
     ui->searchPanel->resultsView()->setModel(nullptr);
     std::shared_ptr<const ScanTree> tree = generalModel.tree();

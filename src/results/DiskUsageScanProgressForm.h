@@ -7,6 +7,7 @@
 #include "ResultChanges.h"
 #include "ScanComparer.h"
 #include "ScanController.h"
+#include "TreemapPainter.h"
 
 #include <QPointer>
 #include <QWidget>
@@ -54,6 +55,9 @@ signals:
 
 private:
     void setUpMap();
+    [[nodiscard]] static TreemapPainter::Colouring colouringOf(int choice);
+    void showMapLegend();
+    void onMapFileClicked(ScanTree::Index file);
     void connectButtons();
     [[nodiscard]] DiskUsageScanInfoForm* addScanPanel();
     void onScanCancel();

@@ -3,6 +3,7 @@
 #include "scan/DiskUsageGlobal.h"
 
 #include <algorithm>
+#include <cmath>
 #include <numeric>
 
 namespace {
@@ -65,91 +66,212 @@ std::vector<QRectF> TreemapLayout::squarify(const std::vector<double>& sizes, co
     return placed;
 }
 
-std::uint64_t TreemapLayout::sizeOf(const ScanTree& tree, Block block)
+// One layout under way: the cells so far, and what gives the top level its colours.
+struct TreemapLayout::Placing {
+    const ScanTree& tree;
+    ScanTree::Measure measure;
+    std::vector<Cell> cells;
+    // Of each child of the scanned folder, its place among the subfolders
+    // there by size: the colour of its branch. The scanned folder's own
+    // files come after them.
+    std::vector<std::uint16_t> branches;
+    std::uint16_t ownFiles = 0;
+
+    Placing(const ScanTree& scan, ScanTree::Measure by);
+    [[nodiscard]] std::uint16_t branchOf(Block block) const;
+    [[nodiscard]] Cell topCell(ScanTree::Index top, const QRectF& area) const;
+    void placeChildren(std::size_t index);
+    void colourFolders();
+};
+
+TreemapLayout::Placing::Placing(const ScanTree& scan, ScanTree::Measure by)
+    : tree(scan)
+    , measure(by)
 {
-    if (!isFiles(block))
-        return tree.node(block).size;
-    const std::vector<Child> children = childrenOf(tree, folderOf(block));
-    return !children.empty() && children.back().block == block ? children.back().size : 0;
+    const ScanTree::Node& root = tree.node(0);
+    const std::vector<ScanTree::Index> folders = rankedSubfolders(tree, 0, measure);
+    ownFiles = std::uint16_t(std::min<std::size_t>(folders.size(), 0xffff));
+    branches.assign(root.childCount, ownFiles);
+    for (std::size_t rank = 0; rank < folders.size(); ++rank)
+        branches[folders[rank] - root.firstChild] =
+            std::uint16_t(std::min<std::size_t>(rank, ownFiles));
 }
 
-std::vector<TreemapLayout::Child> TreemapLayout::childrenOf(const ScanTree& tree,
-                                                            ScanTree::Index folder)
+std::uint16_t TreemapLayout::Placing::branchOf(Block block) const
 {
-    std::vector<Child> children;
-    std::uint64_t inSubfolders = 0;
-    for (ScanTree::Index child : tree.shownSubfolders(folder)) {
-        children.push_back({child, tree.node(child).size, 0});
-        DiskUsageGlobal::addSaturating(inSubfolders, tree.node(child).size);
-    }
-    std::stable_sort(children.begin(), children.end(),
-                     [](const Child& a, const Child& b) { return a.size > b.size; });
-    const std::uint64_t size = tree.node(folder).size;
-    if (size > inSubfolders)
-        children.push_back({folder | filesBit, size - inSubfolders, 0});
-    for (std::size_t ordinal = 0; ordinal < children.size(); ++ordinal)
-        children[ordinal].ordinal = std::uint32_t(ordinal);
-    return children;
+    const ScanTree::Index first = tree.node(0).firstChild;
+    if (isFiles(block) || block < first || block - first >= branches.size())
+        return ownFiles;
+    return branches[block - first];
 }
 
 // The top folder's colour and depth are those it has in the whole map.
-TreemapLayout::Cell TreemapLayout::topCell(const ScanTree& tree, ScanTree::Index top,
-                                           const QRectF& area)
+TreemapLayout::Cell TreemapLayout::Placing::topCell(ScanTree::Index top, const QRectF& area) const
 {
-    Cell cell{area, top, -1, true, 0, 0, Tint::Branch};
+    Cell cell;
+    cell.rect = area;
+    cell.block = top;
+    cell.amount = tree.node(top).amount(measure);
     ScanTree::Index branch = top;
     for (ScanTree::Index above = top; above != 0; above = tree.node(above).parent) {
         ++cell.depth;
         branch = above;
     }
-    for (const Child& child : childrenOf(tree, 0)) {
-        if (top != 0 && child.block == branch)
-            cell.branch = child.ordinal;
-    }
+    cell.branch = top == 0 ? 0 : branchOf(branch);
     return cell;
 }
 
-std::vector<TreemapLayout::Cell> TreemapLayout::layout(const ScanTree& tree, ScanTree::Index top,
-                                                       const QRectF& area)
+void TreemapLayout::Placing::placeChildren(std::size_t index)
 {
-    std::vector<Cell> cells;
-    if (top >= tree.size() || !tree.node(top).isFolder() || area.isEmpty())
-        return cells;
-    cells.push_back(topCell(tree, top, area));
-    std::vector<double> sizes;
-    // Cells are laid out in the order they were placed: breadth first.
-    for (std::size_t index = 0; index < cells.size(); ++index) {
-        const Cell cell = cells[index];
-        const QRectF inner = cell.rect.adjusted(frame, frame, -frame, -frame);
-        if (isFiles(cell.block) || inner.width() < smallestSide || inner.height() < smallestSide)
+    const Cell cell = cells[index];
+    const QRectF inner = cell.rect.adjusted(frame, frame, -frame, -frame);
+    if (isFiles(cell.block) || !tree.node(cell.block).isFolder() || inner.width() < smallestSide ||
+        inner.height() < smallestSide)
+        return;
+    // A file of less than this would come out under the smallest tile.
+    const double perPixel =
+        double(std::max<std::uint64_t>(1, cell.amount)) / (inner.width() * inner.height());
+    const auto smallest = std::uint64_t(std::ceil(perPixel * smallestTile * smallestTile));
+    const std::vector<Child> order = childrenOf(tree, cell.block, measure, smallest);
+    std::vector<double> sizes(order.size());
+    std::transform(order.begin(), order.end(), sizes.begin(),
+                   [](const Child& child) { return double(child.amount); });
+    const std::vector<QRectF> rects = squarify(sizes, inner);
+    for (std::size_t child = 0; child < order.size(); ++child) {
+        const bool folder =
+            !isFiles(order[child].block) && tree.node(order[child].block).isFolder();
+        const double side = folder ? smallestSide : smallestTile;
+        if (rects[child].width() < side || rects[child].height() < side)
             continue;
-        std::vector<Child> order = childrenOf(tree, cell.block);
-        // The files block stands among the subfolders by its size.
-        std::stable_sort(order.begin(), order.end(),
-                         [](const Child& a, const Child& b) { return a.size > b.size; });
-        sizes.resize(order.size());
-        std::transform(order.begin(), order.end(), sizes.begin(),
-                       [](const Child& child) { return double(child.size); });
-        const std::vector<QRectF> rects = squarify(sizes, inner);
-        for (std::size_t child = 0; child < order.size(); ++child) {
-            if (rects[child].width() < smallestSide || rects[child].height() < smallestSide)
-                continue;
-            const std::uint32_t branch = cell.depth == 0 ? order[child].ordinal : cell.branch;
-            cells.push_back({rects[child], order[child].block, std::int32_t(index), true,
-                             cell.depth + 1, branch, Tint::Branch});
-            cells[index].leaf = false;
-        }
+        Cell placed;
+        placed.rect = rects[child];
+        placed.amount = order[child].amount;
+        placed.block = order[child].block;
+        placed.parent = std::int32_t(index);
+        placed.depth = std::uint16_t(std::min(0xffff, cell.depth + 1));
+        placed.branch = cell.depth == 0 ? branchOf(placed.block) : cell.branch;
+        placed.category = order[child].category;
+        cells.push_back(placed);
+        cells[index].leaf = false;
     }
-    return cells;
 }
 
-void TreemapLayout::tintByChange(std::vector<Cell>& cells, const ScanComparison& comparison)
+namespace {
+
+std::uint8_t largestOf(const TreemapLayout::CategoryAmounts& amounts)
+{
+    const auto largest = std::max_element(amounts.begin(), amounts.end());
+    return *largest > 0 ? std::uint8_t(largest - amounts.begin()) : ScanTree::noCategory;
+}
+
+} // namespace
+
+// A folder shown whole takes the colour of the type that fills most of it.
+void TreemapLayout::Placing::colourFolders()
 {
     for (Cell& cell : cells) {
-        const ScanTree::Index folder = folderOf(cell.block);
-        const ScanComparison::Status status = isFiles(cell.block)
-                                                  ? comparison.filesChangeOf(folder).status
-                                                  : comparison.changeOf(folder).status;
+        if (cell.leaf && !isFiles(cell.block) && tree.node(cell.block).isFolder())
+            cell.category = largestOf(categoryAmounts(tree, measure, cell.block));
+    }
+}
+
+std::vector<ScanTree::Index> TreemapLayout::rankedSubfolders(const ScanTree& tree,
+                                                             ScanTree::Index folder,
+                                                             ScanTree::Measure measure)
+{
+    std::vector<ScanTree::Index> folders = tree.shownSubfolders(folder);
+    std::stable_sort(folders.begin(), folders.end(), [&](ScanTree::Index a, ScanTree::Index b) {
+        return tree.node(a).amount(measure) > tree.node(b).amount(measure);
+    });
+    return folders;
+}
+
+ScanTree::Index TreemapLayout::folderOf(const ScanTree& tree, Block block)
+{
+    if (isFiles(block) || tree.node(block).isFolder())
+        return nodeOf(block);
+    return tree.node(block).parent;
+}
+
+std::vector<TreemapLayout::Child> TreemapLayout::childrenOf(const ScanTree& tree,
+                                                            ScanTree::Index folder,
+                                                            ScanTree::Measure measure,
+                                                            std::uint64_t smallest)
+{
+    std::vector<Child> children;
+    CategoryAmounts rest{};
+    std::uint64_t placed = 0;
+    const ScanTree::Node& parent = tree.node(folder);
+    const ScanTree::Index end = parent.firstChild + parent.childCount;
+    for (ScanTree::Index child = parent.firstChild; child < end; ++child) {
+        const ScanTree::Node& node = tree.node(child);
+        const std::uint64_t amount = node.amount(measure);
+        if (node.isFolder() && !node.isShownFolder())
+            continue;
+        if (!node.isFolder() && (amount < smallest || amount == 0)) {
+            DiskUsageGlobal::addSaturating(rest[node.category], amount);
+            continue;
+        }
+        children.push_back({child, amount, node.category});
+        DiskUsageGlobal::addSaturating(placed, amount);
+    }
+    std::stable_sort(children.begin(), children.end(),
+                     [](const Child& a, const Child& b) { return a.amount > b.amount; });
+    const std::uint64_t whole = parent.amount(measure);
+    if (whole > placed) {
+        const Child files{folder | filesBit, whole - placed, largestOf(rest)};
+        const auto at =
+            std::upper_bound(children.begin(), children.end(), files,
+                             [](const Child& a, const Child& b) { return a.amount > b.amount; });
+        children.insert(at, files);
+    }
+    return children;
+}
+
+TreemapLayout::CategoryAmounts TreemapLayout::categoryAmounts(const ScanTree& tree,
+                                                              ScanTree::Measure measure,
+                                                              ScanTree::Index folder)
+{
+    CategoryAmounts amounts{};
+    std::vector<ScanTree::Index> pending{folder};
+    while (!pending.empty()) {
+        const ScanTree::Node& node = tree.node(pending.back());
+        pending.pop_back();
+        const ScanTree::Index end = node.firstChild + node.childCount;
+        for (ScanTree::Index child = node.firstChild; child < end; ++child) {
+            const ScanTree::Node& entry = tree.node(child);
+            if (entry.isShownFolder())
+                pending.push_back(child);
+            else if (!entry.isFolder())
+                DiskUsageGlobal::addSaturating(amounts[entry.category], entry.amount(measure));
+        }
+    }
+    return amounts;
+}
+
+std::vector<TreemapLayout::Cell> TreemapLayout::layout(const ScanTree& tree, ScanTree::Index top,
+                                                       const QRectF& area,
+                                                       ScanTree::Measure measure)
+{
+    if (top >= tree.size() || !tree.node(top).isFolder() || area.isEmpty())
+        return {};
+    Placing placing(tree, measure);
+    placing.cells.push_back(placing.topCell(top, area));
+    // Cells are laid out in the order they were placed: breadth first.
+    for (std::size_t index = 0; index < placing.cells.size(); ++index)
+        placing.placeChildren(index);
+    placing.colourFolders();
+    return std::move(placing.cells);
+}
+
+void TreemapLayout::tintByChange(std::vector<Cell>& cells, const ScanTree& tree,
+                                 const ScanComparison& comparison)
+{
+    for (Cell& cell : cells) {
+        const bool folder = !isFiles(cell.block) && tree.node(cell.block).isFolder();
+        const ScanTree::Index node = folderOf(tree, cell.block);
+        const ScanComparison::Status status =
+            folder ? comparison.changeOf(node).status : comparison.filesChangeOf(node).status;
         switch (status) {
         case ScanComparison::Status::Same:
             cell.tint = Tint::Same;

@@ -66,15 +66,48 @@ void paintCushion(QImage& image, const QRectF& rect, const Surface& surface, QCo
 } // namespace
 
 // Mid tones, which read on the map's grey and in light and dark windows alike.
-QColor TreemapPainter::baseColourOf(const TreemapLayout::Cell& node)
+QColor TreemapPainter::categoryColour(std::uint8_t category)
 {
-    using Tint = TreemapLayout::Tint;
+    // The built-in categories in catalogue order: 3D images teal, audio
+    // violet, backups brown, archives orange, disk images red, documents
+    // blue, fonts pink, installers yellow, photos green, drawings lime,
+    // videos purple, web files sky blue.
+    static constexpr std::array<std::array<int, 3>, 12> colours{{{175, 160, 200},
+                                                                 {265, 130, 230},
+                                                                 {35, 120, 160},
+                                                                 {25, 200, 245},
+                                                                 {0, 190, 215},
+                                                                 {215, 170, 235},
+                                                                 {320, 110, 235},
+                                                                 {55, 190, 235},
+                                                                 {120, 150, 200},
+                                                                 {85, 170, 220},
+                                                                 {295, 190, 190},
+                                                                 {195, 150, 240}}};
+    if (category == ScanTree::noCategory)
+        return QColor::fromHsv(0, 0, 165);
+    if (category < colours.size()) {
+        const std::array<int, 3>& hsv = colours[category];
+        return QColor::fromHsv(hsv[0], hsv[1], hsv[2]);
+    }
+    // Categories the user added go round the circle by the golden angle.
+    return QColor::fromHsv(int(category * 137.5) % 360, 150, 215);
+}
+
+QColor TreemapPainter::branchColour(std::uint16_t branch)
+{
     // Hues far apart for neighbours, repeated only after twelve branches.
     static constexpr std::array<int, 12> hues{210, 30, 120, 330, 50,  270,
                                               170, 0,  90,  240, 300, 190};
+    return QColor::fromHsv(hues[branch % hues.size()], 170, 230);
+}
+
+QColor TreemapPainter::baseColourOf(const TreemapLayout::Cell& node)
+{
+    using Tint = TreemapLayout::Tint;
     switch (node.tint) {
-    case Tint::Branch:
-        return QColor::fromHsv(hues[node.branch % hues.size()], 170, 230);
+    case Tint::Normal:
+        return branchColour(node.branch);
     case Tint::Same:
         return QColor::fromHsv(0, 0, 175);
     case Tint::Grown:
@@ -87,8 +120,12 @@ QColor TreemapPainter::baseColourOf(const TreemapLayout::Cell& node)
     return {};
 }
 
-QColor TreemapPainter::colourOf(const TreemapLayout::Cell& node)
+// By folder, deeper levels grow lighter so the nesting reads; a type keeps
+// one colour at every depth, the colour its legend shows.
+QColor TreemapPainter::colourOf(const TreemapLayout::Cell& node, Colouring colouring)
 {
+    if (colouring == Colouring::ByType && node.tint == TreemapLayout::Tint::Normal)
+        return node.leaf ? categoryColour(node.category) : QColor(150, 150, 150);
     const double lighter = std::min(0.45, 0.07 * double(node.depth > 0 ? node.depth - 1 : 0));
     const QColor colour = baseColourOf(node);
     return QColor::fromRgbF(float(colour.redF() + (1 - colour.redF()) * lighter),
@@ -96,7 +133,8 @@ QColor TreemapPainter::colourOf(const TreemapLayout::Cell& node)
                             float(colour.blueF() + (1 - colour.blueF()) * lighter));
 }
 
-QImage TreemapPainter::paint(const std::vector<TreemapLayout::Cell>& cells, QSize size)
+QImage TreemapPainter::paint(const std::vector<TreemapLayout::Cell>& cells, QSize size,
+                             Colouring colouring)
 {
     QImage image(size, QImage::Format_RGB32);
     image.fill(QColor(90, 90, 90));
@@ -111,7 +149,7 @@ QImage TreemapPainter::paint(const std::vector<TreemapLayout::Cell>& cells, QSiz
         Surface& surface = surfaces[index];
         addRidge(cell.rect.left(), cell.rect.right(), heights[index], surface.x1, surface.x2);
         addRidge(cell.rect.top(), cell.rect.bottom(), heights[index], surface.y1, surface.y2);
-        const QColor colour = colourOf(cell);
+        const QColor colour = colourOf(cell, colouring);
         // A folder with children shown is only its frame: a darker flat fill,
         // which its children cover but for the edge.
         if (cell.leaf)

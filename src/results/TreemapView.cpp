@@ -29,6 +29,8 @@ struct TreemapView::Render {
     QImage image;
     std::vector<TreemapLayout::Cell> cells;
     std::uint64_t generation = 0;
+    bool counting = false; // the category amounts are wanted too
+    TreemapLayout::CategoryAmounts amounts{};
 };
 
 TreemapView::TreemapView(QWidget* parent)
@@ -73,6 +75,7 @@ void TreemapView::follow(std::shared_ptr<const ScanTree> changed)
         changes.reset();
     cells.clear();
     highlighted = ScanTree::none;
+    amountsCounted = false;
     ++generation;
     top = tree->locateNearest(place);
     if (isVisible())
@@ -85,12 +88,34 @@ void TreemapView::follow(std::shared_ptr<const ScanTree> changed)
 void TreemapView::showChanges(std::shared_ptr<const ScanComparison> comparison)
 {
     changes = comparison && comparison->newerTree() == tree ? std::move(comparison) : nullptr;
+    redraw();
+}
+
+void TreemapView::setMeasure(ScanTree::Measure measure)
+{
+    if (measure == measuredBy)
+        return;
+    measuredBy = measure;
+    amountsCounted = false;
+    redraw();
+}
+
+void TreemapView::setColouring(TreemapPainter::Colouring colouring)
+{
+    if (colouring == colouredBy)
+        return;
+    colouredBy = colouring;
+    redraw();
+}
+
+void TreemapView::redraw()
+{
     if (!tree)
         return;
     if (isVisible())
         return render();
     image = QImage();
-    ++generation; // a picture under way has the colours of before
+    ++generation; // a picture under way is of what was asked before
 }
 
 void TreemapView::clear()
@@ -102,6 +127,8 @@ void TreemapView::clear()
     cells.shrink_to_fit();
     top = 0;
     highlighted = ScanTree::none;
+    amounts = {};
+    amountsCounted = false;
     ++generation; // a picture still being painted is not wanted any more
     resizePause.stop();
     update();
@@ -113,19 +140,23 @@ void TreemapView::render()
         return;
     auto done = std::make_shared<Render>();
     done->generation = ++generation;
-    QThreadPool::globalInstance()->start(
-        [done, map = tree, compared = changes, from = top, area = size(), to = delivery] {
-            done->cells = TreemapLayout::layout(*map, from, QRectF(QPointF(0, 0), area));
-            if (compared)
-                TreemapLayout::tintByChange(done->cells, *compared);
-            done->image = TreemapPainter::paint(done->cells, area);
-            std::lock_guard lock(to->mutex);
-            if (to->view) {
-                QMetaObject::invokeMethod(
-                    to->view, [view = to->view, done] { view->takeRender(done); },
-                    Qt::QueuedConnection);
-            }
-        });
+    done->counting = !amountsCounted;
+    QThreadPool::globalInstance()->start([done, map = tree, compared = changes, from = top,
+                                          area = size(), measure = measuredBy,
+                                          colouring = colouredBy, to = delivery] {
+        if (done->counting)
+            done->amounts = TreemapLayout::categoryAmounts(*map, measure);
+        done->cells = TreemapLayout::layout(*map, from, QRectF(QPointF(0, 0), area), measure);
+        if (compared)
+            TreemapLayout::tintByChange(done->cells, *map, *compared);
+        done->image = TreemapPainter::paint(done->cells, area, colouring);
+        std::lock_guard lock(to->mutex);
+        if (to->view) {
+            QMetaObject::invokeMethod(
+                to->view, [view = to->view, done] { view->takeRender(done); },
+                Qt::QueuedConnection);
+        }
+    });
 }
 
 void TreemapView::takeRender(const std::shared_ptr<Render>& done)
@@ -134,6 +165,11 @@ void TreemapView::takeRender(const std::shared_ptr<Render>& done)
         return;
     image = std::move(done->image);
     cells = std::move(done->cells);
+    if (done->counting) {
+        amounts = done->amounts;
+        amountsCounted = true;
+        emit categoryAmountsChanged();
+    }
     update();
     emit rendered();
 }
@@ -170,14 +206,13 @@ void TreemapView::paintEvent(QPaintEvent*)
     painter.drawRect(outline);
 }
 
-QRectF TreemapView::rectOf(ScanTree::Index folder) const
+QRectF TreemapView::rectOf(ScanTree::Index node) const
 {
-    if (!tree || folder >= tree->size() || image.size() != size())
+    if (!tree || node >= tree->size() || image.size() != size())
         return {};
-    for (; folder != ScanTree::none; folder = tree->node(folder).parent) {
-        const auto found = std::find_if(cells.begin(), cells.end(), [folder](const auto& cell) {
-            return cell.block == folder;
-        });
+    for (; node != ScanTree::none; node = tree->node(node).parent) {
+        const auto found = std::find_if(cells.begin(), cells.end(),
+                                        [node](const auto& cell) { return cell.block == node; });
         if (found != cells.end())
             return found->rect;
     }
@@ -203,7 +238,11 @@ void TreemapView::mousePressEvent(QMouseEvent* event)
     const bool choosing = event->button() == Qt::LeftButton || event->button() == Qt::RightButton;
     if (!choosing || cell < 0)
         return QWidget::mousePressEvent(event);
-    emit folderClicked(TreemapLayout::folderOf(cells[std::size_t(cell)].block));
+    const TreemapLayout::Block block = cells[std::size_t(cell)].block;
+    const ScanTree::Index folder = TreemapLayout::folderOf(*tree, block);
+    emit folderClicked(folder);
+    if (folder != block && !TreemapLayout::isFiles(block))
+        emit fileClicked(block);
 }
 
 void TreemapView::mouseDoubleClickEvent(QMouseEvent* event)
@@ -211,7 +250,7 @@ void TreemapView::mouseDoubleClickEvent(QMouseEvent* event)
     const int cell = cellAt(event->position().toPoint());
     if (event->button() != Qt::LeftButton || cell < 0)
         return QWidget::mouseDoubleClickEvent(event);
-    zoomTo(TreemapLayout::folderOf(cells[std::size_t(cell)].block));
+    zoomTo(TreemapLayout::folderOf(*tree, cells[std::size_t(cell)].block));
 }
 
 void TreemapView::keyPressEvent(QKeyEvent* event)
@@ -242,9 +281,9 @@ void TreemapView::zoomTo(ScanTree::Index folder)
     emit zoomChanged(tree->shownPath(folder));
 }
 
-void TreemapView::setHighlighted(ScanTree::Index folder)
+void TreemapView::setHighlighted(ScanTree::Index node)
 {
-    highlighted = folder;
+    highlighted = node;
     update();
 }
 
@@ -259,41 +298,79 @@ bool TreemapView::event(QEvent* event)
         return true;
     }
     const TreemapLayout::Cell& found = cells[std::size_t(cell)];
-    QToolTip::showText(help->globalPos(), toolTipFor(found.block), this,
-                       found.rect.toAlignedRect());
+    QToolTip::showText(help->globalPos(), toolTipFor(found), this, found.rect.toAlignedRect());
     return true;
 }
 
-QString TreemapView::toolTipFor(TreemapLayout::Block block) const
+QString TreemapView::toolTipFor(const TreemapLayout::Cell& cell) const
 {
-    const ScanTree::Index folder = TreemapLayout::folderOf(block);
-    const ScanTree::Node& node = tree->node(folder);
-    const quint64 size = TreemapLayout::sizeOf(*tree, block);
-    const double share = 100.0 * double(size) / double(std::max<quint64>(1, tree->node(0).size));
-    const QString path = tree->shownPath(folder);
-    QString shareText = QStringLiteral("%1% of the scanned folder").arg(share, 0, 'f', 2);
-    if (changes) {
-        const ScanComparison::Change change = TreemapLayout::isFiles(block)
-                                                  ? changes->filesChangeOf(folder)
-                                                  : changes->changeOf(folder);
-        shareText += change.status == ScanComparison::Status::New
-                         ? QStringLiteral("\nNot in the older scan")
-                         : QStringLiteral("\n%1 since the older scan")
-                               .arg(ScanComparison::changeText(change));
+    if (TreemapLayout::isFiles(cell.block))
+        return filesToolTip(cell);
+    const ScanTree::Node& node = tree->node(cell.block);
+    if (!node.isFolder())
+        return fileToolTip(cell.block) + changeText(cell);
+    return QStringLiteral("%1\n%2, %3 on disk\n%4 files, %5 folders")
+               .arg(tree->shownPath(cell.block), DiskUsageGlobal::sizeText(double(node.size)),
+                    DiskUsageGlobal::sizeText(double(node.onDisk)))
+               .arg(node.files)
+               .arg(node.folders) +
+           changeText(cell);
+}
+
+QString TreemapView::fileToolTip(ScanTree::Index file) const
+{
+    const ScanTree::Node& node = tree->node(file);
+    const QString type = node.category < categoryNames.size() ? categoryNames[node.category]
+                                                              : QStringLiteral("Other files");
+    return QStringLiteral("%1\nSize: %2\nOn disk: %3\nType: %4\nLast access: %5")
+        .arg(tree->shownPath(file), DiskUsageGlobal::sizeText(double(node.size)),
+             DiskUsageGlobal::sizeText(double(node.onDisk)), type,
+             DiskUsageGlobal::lastAccessText(node.lastAccessTime));
+}
+
+// The block of a folder's files too small for a tile: its largest few by name.
+QString TreemapView::filesToolTip(const TreemapLayout::Cell& cell) const
+{
+    const ScanTree::Index folder = TreemapLayout::nodeOf(cell.block);
+    std::vector<TreemapLayout::Block> tiled;
+    bool someTiled = false;
+    for (const TreemapLayout::Cell& other : cells) {
+        if (other.parent == cell.parent) {
+            tiled.push_back(other.block);
+            someTiled = someTiled || (!TreemapLayout::isFiles(other.block) &&
+                                      !tree->node(other.block).isFolder());
+        }
     }
-    if (!TreemapLayout::isFiles(block)) {
-        return QStringLiteral("%1\n%2\n%3 files, %4 folders\n%5")
-            .arg(path, DiskUsageGlobal::sizeText(double(size)))
-            .arg(node.files)
-            .arg(node.folders)
-            .arg(shareText);
-    }
-    QStringList lines{QStringLiteral("Files in %1").arg(path),
-                      DiskUsageGlobal::sizeText(double(size)), shareText};
-    for (ScanTree::Index child : tree->largestChildren(folder, filesInToolTip, true)) {
+    const QString title =
+        someTiled ? QStringLiteral("Smaller files in %1") : QStringLiteral("Files in %1");
+    QStringList lines{title.arg(tree->shownPath(folder)),
+                      DiskUsageGlobal::sizeText(double(cell.amount))};
+    const std::size_t wanted = filesInToolTip + tiled.size();
+    for (ScanTree::Index child : tree->largestChildren(folder, wanted, true)) {
+        if (std::find(tiled.begin(), tiled.end(), child) != tiled.end())
+            continue;
         lines << QStringLiteral("  %1  %2")
                      .arg(tree->nameText(child),
                           DiskUsageGlobal::sizeText(double(tree->node(child).size)));
+        if (lines.size() == filesInToolTip + 2)
+            break;
     }
-    return lines.join('\n');
+    return lines.join('\n') + changeText(cell);
+}
+
+QString TreemapView::changeText(const TreemapLayout::Cell& cell) const
+{
+    const double share = 100.0 * double(cell.amount) /
+                         double(std::max<quint64>(1, tree->node(0).amount(measuredBy)));
+    QString text = QStringLiteral("\n%1% of the scanned folder").arg(share, 0, 'f', 2);
+    if (!changes)
+        return text;
+    const ScanTree::Index folder = TreemapLayout::folderOf(*tree, cell.block);
+    const bool isFolder = folder == cell.block;
+    const ScanComparison::Change change =
+        isFolder ? changes->changeOf(folder) : changes->filesChangeOf(folder);
+    return text + (change.status == ScanComparison::Status::New
+                       ? QStringLiteral("\nNot in the older scan")
+                       : QStringLiteral("\n%1 since the older scan")
+                             .arg(ScanComparison::changeText(change)));
 }

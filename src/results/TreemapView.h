@@ -1,6 +1,7 @@
 #pragma once
 
 #include "TreemapLayout.h"
+#include "TreemapPainter.h"
 
 #include <QImage>
 #include <QTimer>
@@ -9,13 +10,14 @@
 #include <memory>
 #include <vector>
 
-// The map of the scanned tree: every folder a rectangle whose area is its size,
-// its subfolders and the block of its own files inside it. Laid out and
-// painted on a pool thread into an image, so that a large tree or a resize
-// never holds up the window; a resize paints again once the user pauses.
-// Hovering tells what a block is, a click chooses its folder, a double-click
-// shows only that folder, Backspace goes back up one level. While comparing
-// with an older scan, the blocks are coloured by their change.
+// The map of the scanned tree: every folder a rectangle whose area is its size
+// (or its space on disk), its subfolders and files inside it, each file a tile
+// coloured by its type or by the folder it lies in. Laid out and painted on a
+// pool thread into an image, so that a large tree or a resize never holds up
+// the window; a resize paints again once the user pauses. Hovering tells what
+// a tile is, a click chooses its folder and file, a double-click shows only
+// that folder, Backspace goes back up one level. While comparing with an
+// older scan, the tiles are coloured by their change.
 class TreemapView : public QWidget {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(TreemapView)
@@ -36,21 +38,36 @@ public:
     // again. A changed scan lets go of the comparison.
     void showChanges(std::shared_ptr<const ScanComparison> comparison);
     [[nodiscard]] bool showsChanges() const { return changes != nullptr; }
-    // Outlines a folder's rectangle (or its nearest folder shown).
-    void setHighlighted(ScanTree::Index folder);
+    // Sizes as bytes or as space on disk: the areas, and the legend's shares.
+    void setMeasure(ScanTree::Measure measure);
+    [[nodiscard]] ScanTree::Measure measure() const { return measuredBy; }
+    void setColouring(TreemapPainter::Colouring colouring);
+    [[nodiscard]] TreemapPainter::Colouring colouring() const { return colouredBy; }
+    // The names of the scan's categories, by index: what a file's type is called.
+    void setCategoryNames(const QStringList& names) { categoryNames = names; }
+    // What each category takes in the whole scan, in the map's measure; all
+    // zero until the first picture.
+    [[nodiscard]] const TreemapLayout::CategoryAmounts& categoryAmounts() const { return amounts; }
+    // Outlines a folder's or a file's tile (or its nearest folder shown).
+    void setHighlighted(ScanTree::Index node);
+    [[nodiscard]] ScanTree::Index highlightedNode() const { return highlighted; }
     [[nodiscard]] bool canZoomOut() const;
     [[nodiscard]] bool isRendered() const { return !image.isNull(); }
-    // Where a folder, or the nearest folder above it that is shown, stands on
-    // the map; empty when the map does not show it.
-    [[nodiscard]] QRectF rectOf(ScanTree::Index folder) const;
+    // Where a folder or file, or the nearest folder above it that is shown,
+    // stands on the map; empty when the map does not show it.
+    [[nodiscard]] QRectF rectOf(ScanTree::Index node) const;
 
     void zoomOut();
 
 signals:
     void folderClicked(ScanTree::Index folder);
+    // After folderClicked() of its folder, when the click was on a file's tile.
+    void fileClicked(ScanTree::Index file);
     // The folder the map now shows, as its path.
     void zoomChanged(const QString& folderPath);
     void rendered();
+    // The category amounts were counted again: another scan or measure.
+    void categoryAmountsChanged();
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -66,16 +83,26 @@ private:
     struct Render;
 
     void render();
+    // Paints again now if shown, else when next shown.
+    void redraw();
     void takeRender(const std::shared_ptr<Render>& done);
     void zoomTo(ScanTree::Index folder);
     // The deepest cell at a point, or -1.
     [[nodiscard]] int cellAt(const QPoint& point) const;
-    [[nodiscard]] QString toolTipFor(TreemapLayout::Block block) const;
+    [[nodiscard]] QString toolTipFor(const TreemapLayout::Cell& cell) const;
+    [[nodiscard]] QString fileToolTip(ScanTree::Index file) const;
+    [[nodiscard]] QString filesToolTip(const TreemapLayout::Cell& cell) const;
+    [[nodiscard]] QString changeText(const TreemapLayout::Cell& cell) const;
 
     std::shared_ptr<const ScanTree> tree;
     std::shared_ptr<const ScanComparison> changes;
     ScanTree::Index top = 0;
     ScanTree::Index highlighted = ScanTree::none;
+    ScanTree::Measure measuredBy = ScanTree::Measure::Size;
+    TreemapPainter::Colouring colouredBy = TreemapPainter::Colouring::ByType;
+    QStringList categoryNames;
+    TreemapLayout::CategoryAmounts amounts{};
+    bool amountsCounted = false;
     QImage image;
     std::vector<TreemapLayout::Cell> cells;
     QTimer resizePause;

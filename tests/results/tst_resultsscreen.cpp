@@ -5,14 +5,18 @@
 #include "app/PaletteIcons.h"
 #include "platform/Shell.h"
 #include "platform/Volumes.h"
+#include "results/BiggestFilesView.h"
 #include "results/Columns.h"
+#include "results/DataFilesView.h"
 #include "results/DiskUsageScanInfoForm.h"
 #include "results/DiskUsageScanProgressForm.h"
 #include "results/LegendWidget.h"
+#include "results/MapLegend.h"
 #include "results/ResultChanges.h"
 #include "results/ResultDetailsDialog.h"
 #include "results/TreemapView.h"
 
+#include <QComboBox>
 #include <QDesktopServices>
 #include <QHeaderView>
 #include <QLabel>
@@ -37,6 +41,7 @@ private slots:
     void theBiggestFilesTab();
     void theDataFilesTabAndItsDetails();
     void theMapFollowsTheTree();
+    void theMapShowsEveryFile();
     void buttonsFollowTheSelection();
     void backReleasesAndReturnsHome();
     void backWithEveryRowSelectedAgainAndAgain();
@@ -608,14 +613,78 @@ void TestResultsScreen::namesMadeOfSummaryMarksShowAsTheyAre()
     QSignalSpy rendered(map, &TreemapView::rendered);
     child<QTabWidget>(form.get(), "tabWidget")->setCurrentIndex(3);
     QVERIFY(rendered.wait());
-    const ScanTree::Index folder = FolderTreeModel::nodeOf(marks);
-    QTRY_VERIFY(!map->rectOf(folder).isEmpty());
-    const QPoint onFiles = map->rectOf(folder).center().toPoint();
-    QHelpEvent hover(QEvent::ToolTip, onFiles, map->mapToGlobal(onFiles));
+    const ScanTree& scan = *qobject_cast<const FolderTreeModel*>(tree->model())->tree();
+    for (const QString& name : {trap, liar}) {
+        const ScanTree::Index file = scan.locate(dir.filePath("marks/" + name));
+        QTRY_VERIFY(!map->rectOf(file).isEmpty());
+        const QPoint onFile = map->rectOf(file).center().toPoint();
+        QHelpEvent hover(QEvent::ToolTip, onFile, map->mapToGlobal(onFile));
+        QApplication::sendEvent(map, &hover);
+        QVERIFY(QToolTip::text().startsWith(
+            QDir::toNativeSeparators(dir.filePath("marks/" + name)) + "\nSize: "));
+    }
+}
+
+// A click on a file's tile chooses its folder in the tree and the file where
+// it is listed; a file chosen in the list is outlined. The legend tells what
+// the colours mean, by type or by folder, and the choice is kept.
+void TestResultsScreen::theMapShowsEveryFile()
+{
+    auto form = scanned();
+    QVERIFY(form);
+    auto* map = child<TreemapView>(form.get(), "treemapView");
+    QSignalSpy rendered(map, &TreemapView::rendered);
+    child<QTabWidget>(form.get(), "tabWidget")->setCurrentIndex(3);
+    QVERIFY(rendered.wait());
+    auto* tree = child<QTreeView>(form.get(), "treeView");
+    const ScanTree& scan = *qobject_cast<const FolderTreeModel*>(tree->model())->tree();
+    const ScanTree::Index song = scan.locate(dir.filePath("music/song.mp3"));
+    QTRY_VERIFY(!map->rectOf(song).isEmpty());
+    QVERIFY(map->rectOf(song) != map->rectOf(scan.node(song).parent));
+
+    const QPoint onSong = map->rectOf(song).center().toPoint();
+    QHelpEvent hover(QEvent::ToolTip, onSong, map->mapToGlobal(onSong));
     QApplication::sendEvent(map, &hover);
-    QVERIFY(QToolTip::text().startsWith("Files in "));
-    QVERIFY(QToolTip::text().contains("  " + trap + "  8.58 MB"));
-    QVERIFY(QToolTip::text().contains("  " + liar + "  4.77 MB"));
+    QVERIFY(QToolTip::text().contains("\nType: Audio Files\nLast access: "));
+    QTest::mouseClick(map, Qt::LeftButton, {}, onSong);
+    QCOMPARE(FolderTreeModel::nodeOf(tree->currentIndex()), scan.node(song).parent);
+    auto* biggest = child<BiggestFilesView>(form.get(), "biggestFileTreeView");
+    QCOMPARE(biggest->selectedFilePath(), dir.filePath("music/song.mp3"));
+    QCOMPARE(child<DataFilesView>(form.get(), "dataFilesTreeView")->selectedName(),
+             QStringLiteral("Audio Files"));
+    QCOMPARE(map->highlightedNode(), song);
+
+    biggest->selectPath(dir.filePath("docs/a12.txt"));
+    QCOMPARE(map->highlightedNode(), scan.locate(dir.filePath("docs/a12.txt")));
+
+    auto* legend = child<MapLegend>(form.get(), "mapLegend");
+    QTRY_VERIFY(!legend->entries().empty());
+    const auto named = [legend](const QString& name) {
+        for (const MapLegend::Entry& entry : legend->entries()) {
+            if (entry.name == name)
+                return entry;
+        }
+        return MapLegend::Entry{};
+    };
+    // big.iso is most of the scan's bytes, song.mp3 a twentieth.
+    QCOMPARE(legend->entries().front().name, QStringLiteral("Disk Image Files"));
+    QCOMPARE(legend->entries().front().colour, TreemapPainter::categoryColour(4));
+    QVERIFY(legend->entries().front().share > 90);
+    QCOMPARE(named("Audio Files").colour, TreemapPainter::categoryColour(1));
+    QVERIFY(named("Audio Files").share > 5 && named("Audio Files").share < 6);
+    QCOMPARE(legend->entries().back().name, QStringLiteral("Other files"));
+
+    auto* colouring = child<QComboBox>(form.get(), "mapColourBox");
+    colouring->setCurrentIndex(1);
+    QVERIFY(rendered.wait());
+    QCOMPARE(map->colouring(), TreemapPainter::Colouring::ByFolder);
+    QCOMPARE(legend->entries().front().name, QStringLiteral("music"));
+    auto again = scanned();
+    QVERIFY(again);
+    QCOMPARE(child<QComboBox>(again.get(), "mapColourBox")->currentIndex(), 1);
+    QCOMPARE(child<TreemapView>(again.get(), "treemapView")->colouring(),
+             TreemapPainter::Colouring::ByFolder);
+    colouring->setCurrentIndex(0);
 }
 
 void TestResultsScreen::deepNamesStayWhole()

@@ -4,6 +4,8 @@
 
 #include <QtTest>
 
+#include <algorithm>
+
 #include <numeric>
 #include <random>
 
@@ -41,13 +43,60 @@ ScanTree treeOf(const std::vector<quint64>& sizes, const std::vector<std::vector
     return tree;
 }
 
-// The cells that stand for folders, not files blocks.
-std::vector<Cell> folderCells(const std::vector<Cell>& cells)
+struct File {
+    quint64 size = 0;
+    quint64 onDisk = 0;
+    std::uint8_t category = ScanTree::noCategory;
+};
+
+// The scanned folder holding the files given, and a subfolder holding as
+// much again in one file of the category given.
+ScanTree filesTree(const std::vector<File>& files, std::uint8_t inSubfolder)
+{
+    ScanTree tree(QStringLiteral("/map"), platform::toNative(QStringLiteral("map")));
+    const ScanTree::Index first = tree.addChildren(0, ScanTree::Index(files.size() + 1));
+    const ScanTree::Index folder = first + ScanTree::Index(files.size());
+    for (std::size_t index = 0; index < files.size(); ++index) {
+        ScanTree::Node& node = tree.node(first + ScanTree::Index(index));
+        node.size = files[index].size;
+        node.onDisk = files[index].onDisk;
+        node.category = files[index].category;
+        tree.node(0).size += node.size;
+        tree.node(0).onDisk += node.onDisk;
+    }
+    tree.node(folder).flags = ScanTree::Folder;
+    const ScanTree::Index inside = tree.addChildren(folder, 1);
+    tree.node(inside).size = tree.node(folder).size = tree.node(0).size;
+    tree.node(inside).onDisk = tree.node(folder).onDisk = tree.node(0).onDisk;
+    tree.node(inside).category = inSubfolder;
+    tree.node(0).size *= 2;
+    tree.node(0).onDisk *= 2;
+    return tree;
+}
+
+bool isFolderCell(const ScanTree& tree, const Cell& cell)
+{
+    return !TreemapLayout::isFiles(cell.block) && tree.node(cell.block).isFolder();
+}
+
+bool isFileCell(const ScanTree& tree, const Cell& cell)
+{
+    return !TreemapLayout::isFiles(cell.block) && !tree.node(cell.block).isFolder();
+}
+
+// The cells that stand for folders, not files.
+std::vector<Cell> folderCells(const ScanTree& tree, const std::vector<Cell>& cells)
 {
     std::vector<Cell> folders;
     std::copy_if(cells.begin(), cells.end(), std::back_inserter(folders),
-                 [](const Cell& cell) { return !TreemapLayout::isFiles(cell.block); });
+                 [&](const Cell& cell) { return isFolderCell(tree, cell); });
     return folders;
+}
+
+QRectF innerOf(const Cell& cell)
+{
+    const double frame = TreemapLayout::frame;
+    return cell.rect.adjusted(frame, frame, -frame, -frame);
 }
 
 double aspect(const QRectF& rect)
@@ -109,6 +158,9 @@ private slots:
     void zeroSizesGetNoArea();
     void nestedCellsStayInsideTheirParents();
     void aFolderOfAHundredThousandChildren();
+    void everyFileLargeEnoughHasATile();
+    void spaceOnDiskSizesTheAreasWhenAsked();
+    void tilesAreColouredByTheirType();
     void paintingCoversTheMap();
 };
 
@@ -165,8 +217,8 @@ void TestTreemap::zeroSizesGetNoArea()
     // An empty folder in a tree: no cell, and nothing else goes wrong.
     const ScanTree tree = treeOf({10, 10, 0}, {{1, 2}});
     const std::vector<Cell> cells = TreemapLayout::layout(tree, 0, QRectF(0, 0, 100, 100));
-    QCOMPARE(folderCells(cells).size(), std::size_t(2));
-    QCOMPARE(cells.size(), std::size_t(3)); // and the first folder's files
+    QCOMPARE(folderCells(tree, cells).size(), std::size_t(2));
+    QCOMPARE(cells.size(), std::size_t(3)); // and the first folder's file
     QVERIFY(TreemapLayout::layout(treeOf({0}, {}), 0, QRectF(0, 0, 10, 10)).size() <= 1);
 }
 
@@ -193,22 +245,20 @@ void TestTreemap::nestedCellsStayInsideTheirParents()
     const ScanTree tree = treeOf(sizes, children);
     const QRectF area(0, 0, 800, 600);
     const std::vector<Cell> cells = TreemapLayout::layout(tree, 0, area);
-    QCOMPARE(folderCells(cells).size(), std::size_t(1 + 8 + 48));
+    QCOMPARE(folderCells(tree, cells).size(), std::size_t(1 + 8 + 48));
     QVERIFY(cells.size() > 1 + 8 + 48); // and the files of the leaf folders large enough
     for (std::size_t index = 1; index < cells.size(); ++index) {
         const Cell& cell = cells[index];
         const Cell& parent = cells[std::size_t(cell.parent)];
-        if (TreemapLayout::isFiles(cell.block))
-            QCOMPARE(TreemapLayout::folderOf(cell.block), parent.block);
-        else
-            QCOMPARE(tree.node(cell.block).parent, parent.block);
+        QCOMPARE(TreemapLayout::folderOf(tree, cell.block) == cell.block
+                     ? tree.node(cell.block).parent
+                     : TreemapLayout::folderOf(tree, cell.block),
+                 parent.block);
         QVERIFY(!parent.leaf);
-        const double frame = TreemapLayout::frame;
-        QVERIFY(inside(cell.rect, parent.rect.adjusted(frame, frame, -frame, -frame)));
+        QVERIFY(inside(cell.rect, innerOf(parent)));
         // Of its parent's inner area, a share as large as its share of the size.
-        const QRectF inner = parent.rect.adjusted(frame, frame, -frame, -frame);
-        const double share = double(TreemapLayout::sizeOf(tree, cell.block)) /
-                             double(TreemapLayout::sizeOf(tree, parent.block));
+        const QRectF inner = innerOf(parent);
+        const double share = double(cell.amount) / double(parent.amount);
         QVERIFY(std::abs(cell.rect.width() * cell.rect.height() -
                          share * inner.width() * inner.height()) <
                 1e-6 * area.width() * area.height());
@@ -234,17 +284,133 @@ void TestTreemap::aFolderOfAHundredThousandChildren()
     // Too many to see each: those under a few pixels are left to the folder.
     QVERIFY(cells.size() > 1000 && cells.size() < 2 * 100000 + 1);
     for (std::size_t index = 1; index < cells.size(); ++index) {
-        QVERIFY(cells[index].rect.width() >= TreemapLayout::smallestSide);
-        QVERIFY(cells[index].rect.height() >= TreemapLayout::smallestSide);
+        const double side = isFolderCell(tree, cells[index]) ? TreemapLayout::smallestSide
+                                                             : TreemapLayout::smallestTile;
+        QVERIFY(cells[index].rect.width() >= side);
+        QVERIFY(cells[index].rect.height() >= side);
         QVERIFY(inside(cells[index].rect, area));
     }
+}
+
+void TestTreemap::everyFileLargeEnoughHasATile()
+{
+    // 20,000 files of every scale beside a folder of as much.
+    std::vector<File> files;
+    for (double size : mixedSizes(20000, 5))
+        files.push_back({quint64(size) + 1, 0, ScanTree::noCategory});
+    std::shuffle(files.begin(), files.end(), std::mt19937(6));
+    const ScanTree tree = filesTree(files, 0);
+    const QRectF area(0, 0, 1920, 1080);
+    const std::vector<Cell> cells = TreemapLayout::layout(tree, 0, area);
+    const QRectF inner = innerOf(cells[0]);
+    const double perByte = inner.width() * inner.height() / double(tree.node(0).size);
+    quint64 tiled = 0;
+    std::size_t tiles = 0;
+    std::vector<bool> hasTile(tree.size(), false);
+    for (const Cell& cell : cells) {
+        if (cell.parent != 0)
+            continue;
+        QVERIFY(inside(cell.rect, inner));
+        // Each tile's area is its size's share, within a pixel's rounding.
+        const double expected = double(cell.amount) * perByte;
+        QVERIFY2(std::abs(cell.rect.width() * cell.rect.height() - expected) < 1e-6 * expected + 1,
+                 qPrintable(QString("block %1").arg(cell.block)));
+        if (isFileCell(tree, cell)) {
+            QCOMPARE(cell.amount, tree.node(cell.block).size);
+            QVERIFY(cell.rect.width() * cell.rect.height() >=
+                    TreemapLayout::smallestTile * TreemapLayout::smallestTile - 1e-6);
+            QVERIFY(std::min(cell.rect.width(), cell.rect.height()) >= 1);
+            hasTile[cell.block] = true;
+            tiled += cell.amount;
+            ++tiles;
+        }
+    }
+    QVERIFY(tiles > 1000);
+    // The rest of the files share one block that takes just what they take.
+    const auto rest = std::find_if(cells.begin(), cells.end(), [](const Cell& cell) {
+        return cell.block == (0 | TreemapLayout::filesBit);
+    });
+    QVERIFY(rest != cells.end());
+    QVERIFY(rest->amount + tiled <= tree.node(0).size / 2);
+    // A file of the smallest tile or more has one: the rare sliver squarifying
+    // makes too thin to see leaves next to nothing uncovered.
+    const quint64 uncovered = tree.node(0).size / 2 - tiled - rest->amount;
+    QVERIFY2(double(uncovered) < 0.001 * double(tree.node(0).size),
+             qPrintable(QString::number(uncovered)));
+    const double smallestArea = TreemapLayout::smallestTile * TreemapLayout::smallestTile;
+    for (ScanTree::Index file = 1; file <= files.size(); ++file) {
+        if (double(tree.node(file).size) * perByte >= 4 * smallestArea)
+            QVERIFY2(hasTile[file], qPrintable(QString("file %1").arg(file)));
+    }
+}
+
+void TestTreemap::spaceOnDiskSizesTheAreasWhenAsked()
+{
+    // A sparse disk image, large by its size and nothing on disk, beside a
+    // small file that is all on disk.
+    const ScanTree tree = filesTree({{1'000'000, 0, 4}, {10'000, 10'000, 5}}, 5);
+    const QRectF area(0, 0, 400, 300);
+    const auto tileOf = [&](const std::vector<Cell>& cells, ScanTree::Index file) {
+        const auto found = std::find_if(cells.begin(), cells.end(),
+                                        [file](const Cell& cell) { return cell.block == file; });
+        return found == cells.end() ? 0.0 : found->rect.width() * found->rect.height();
+    };
+    const std::vector<Cell> bySize = TreemapLayout::layout(tree, 0, area);
+    QVERIFY(tileOf(bySize, 1) > 50 * tileOf(bySize, 2));
+    const std::vector<Cell> onDisk =
+        TreemapLayout::layout(tree, 0, area, ScanTree::Measure::OnDisk);
+    QCOMPARE(tileOf(onDisk, 1), 0.0);
+    // The small file and the subfolder's file share the map half and half.
+    const double inner = innerOf(onDisk[0]).width() * innerOf(onDisk[0]).height();
+    QVERIFY(std::abs(tileOf(onDisk, 2) - inner / 2) < 1);
+
+    const TreemapLayout::CategoryAmounts sizes = TreemapLayout::categoryAmounts(tree, {});
+    QCOMPARE(sizes[4], quint64(1'000'000));
+    QCOMPARE(sizes[5], quint64(1'020'000));
+    const TreemapLayout::CategoryAmounts onDiskAmounts =
+        TreemapLayout::categoryAmounts(tree, ScanTree::Measure::OnDisk);
+    QCOMPARE(onDiskAmounts[4], quint64(0));
+    QCOMPARE(onDiskAmounts[5], quint64(20'000));
+}
+
+void TestTreemap::tilesAreColouredByTheirType()
+{
+    // Three typed files, one of no type, and a subfolder too small to open
+    // whose one file is a video: it takes that type's colour.
+    const ScanTree tree = filesTree({{400, 0, 0}, {300, 0, 5}, {200, 0, 10}, {100, 0, 0xff}}, 10);
+    const QSize size(12, 8);
+    const std::vector<Cell> cells = TreemapLayout::layout(tree, 0, QRectF(QPointF(), size * 20));
+    const QImage image = TreemapPainter::paint(cells, size * 20);
+    std::size_t checked = 0;
+    for (const Cell& cell : cells) {
+        if (!cell.leaf)
+            continue;
+        const std::uint8_t expected =
+            isFolderCell(tree, cell) ? std::uint8_t(10) : tree.node(cell.block).category;
+        QCOMPARE(cell.category, expected);
+        const QColor painted = image.pixelColor(cell.rect.center().toPoint());
+        const QColor colour = TreemapPainter::categoryColour(expected);
+        // Shading makes it lighter or darker, never another hue.
+        QCOMPARE(painted.hsvSaturation() == 0, colour.hsvSaturation() == 0);
+        if (colour.hsvSaturation() > 0)
+            QVERIFY(std::abs(painted.hsvHue() - colour.hsvHue()) <= 2);
+        ++checked;
+    }
+    QCOMPARE(checked, std::size_t(5));
+    // Built-in categories have colours of their own.
+    QSet<QRgb> colours;
+    for (std::uint8_t category = 0; category < 12; ++category)
+        colours.insert(TreemapPainter::categoryColour(category).rgb());
+    colours.insert(TreemapPainter::categoryColour(ScanTree::noCategory).rgb());
+    QCOMPARE(colours.size(), 13);
 }
 
 void TestTreemap::paintingCoversTheMap()
 {
     const ScanTree tree = treeOf({30, 20, 10}, {{1, 2}});
     const std::vector<Cell> cells = TreemapLayout::layout(tree, 0, QRectF(0, 0, 120, 80));
-    const QImage image = TreemapPainter::paint(cells, QSize(120, 80));
+    const QImage image =
+        TreemapPainter::paint(cells, QSize(120, 80), TreemapPainter::Colouring::ByFolder);
     QCOMPARE(image.size(), QSize(120, 80));
     // The two branches have colours of their own, and their files are shaded: not flat.
     QCOMPARE(cells.size(), std::size_t(5));

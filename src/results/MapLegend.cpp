@@ -1,0 +1,137 @@
+#include "MapLegend.h"
+
+#include "TreemapPainter.h"
+
+#include <QPainter>
+
+#include <algorithm>
+#include <numeric>
+
+namespace {
+
+constexpr int swatch = 12;
+constexpr int gap = 6;
+constexpr int nameWidth = 150;
+// The branches' colours come round again after this many.
+constexpr std::size_t branchesNamed = 12;
+
+double percentOf(std::uint64_t part, std::uint64_t whole)
+{
+    return whole > 0 ? 100.0 * double(part) / double(whole) : 0.0;
+}
+
+} // namespace
+
+MapLegend::MapLegend(QWidget* parent)
+    : QWidget(parent)
+{
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Preferred);
+}
+
+MapLegend::~MapLegend() = default;
+
+void MapLegend::showCategories(const QStringList& names,
+                               const TreemapLayout::CategoryAmounts& amounts)
+{
+    const std::uint64_t whole = std::accumulate(amounts.begin(), amounts.end(), std::uint64_t(0));
+    std::vector<Entry> entries;
+    for (std::size_t category = 0; category < amounts.size(); ++category) {
+        if (amounts[category] == 0 || category == ScanTree::noCategory)
+            continue;
+        const QString name = qsizetype(category) < names.size()
+                                 ? names[qsizetype(category)]
+                                 : QStringLiteral("Category %1").arg(category + 1);
+        entries.push_back({TreemapPainter::categoryColour(std::uint8_t(category)), name,
+                           percentOf(amounts[category], whole)});
+    }
+    std::stable_sort(entries.begin(), entries.end(),
+                     [](const Entry& a, const Entry& b) { return a.share > b.share; });
+    if (amounts[ScanTree::noCategory] > 0) {
+        entries.push_back({TreemapPainter::categoryColour(ScanTree::noCategory),
+                           QStringLiteral("Other files"),
+                           percentOf(amounts[ScanTree::noCategory], whole)});
+    }
+    show(QStringLiteral("File types"), std::move(entries));
+}
+
+void MapLegend::showBranches(const ScanTree& tree, ScanTree::Measure measure)
+{
+    const std::vector<ScanTree::Index> folders = TreemapLayout::rankedSubfolders(tree, 0, measure);
+    const std::uint64_t whole = tree.node(0).amount(measure);
+    std::vector<Entry> entries;
+    std::uint64_t inFolders = 0;
+    for (std::size_t rank = 0; rank < folders.size(); ++rank) {
+        const std::uint64_t amount = tree.node(folders[rank]).amount(measure);
+        inFolders += amount;
+        if (rank < branchesNamed) {
+            entries.push_back({TreemapPainter::branchColour(std::uint16_t(rank)),
+                               tree.nameText(folders[rank]), percentOf(amount, whole)});
+        }
+    }
+    if (folders.size() > branchesNamed) {
+        entries.push_back(
+            {QColor(), QStringLiteral("and %1 more folders").arg(folders.size() - branchesNamed),
+             0});
+    }
+    if (whole > inFolders) {
+        const auto own = std::uint16_t(std::min<std::size_t>(folders.size(), 0xffff));
+        entries.push_back({TreemapPainter::branchColour(own), QStringLiteral("Files of its own"),
+                           percentOf(whole - inFolders, whole)});
+    }
+    show(QStringLiteral("Folders"), std::move(entries));
+}
+
+void MapLegend::clear()
+{
+    show({}, {});
+}
+
+void MapLegend::show(const QString& heading, std::vector<Entry> entries)
+{
+    title = heading;
+    rows = std::move(entries);
+    updateGeometry();
+    update();
+}
+
+int MapLegend::rowHeight() const
+{
+    return std::max(swatch, fontMetrics().height()) + 4;
+}
+
+QSize MapLegend::sizeHint() const
+{
+    const int shareWidth = fontMetrics().horizontalAdvance(QStringLiteral("100.0%"));
+    return {gap + swatch + gap + nameWidth + gap + shareWidth + gap,
+            rowHeight() * int(rows.size() + 1) + gap};
+}
+
+QSize MapLegend::minimumSizeHint() const
+{
+    return {sizeHint().width(), 0};
+}
+
+void MapLegend::paintEvent(QPaintEvent*)
+{
+    QPainter painter(this);
+    const int height = rowHeight();
+    QFont bold = font();
+    bold.setBold(true);
+    painter.setFont(bold);
+    painter.drawText(QRect(gap, 0, width() - 2 * gap, height), Qt::AlignVCenter, title);
+    painter.setFont(font());
+    const int shareLeft = gap + swatch + gap + nameWidth + gap;
+    for (std::size_t index = 0; index < rows.size(); ++index) {
+        const Entry& entry = rows[index];
+        const int top = height * int(index + 1);
+        const QRect text(gap + swatch + gap, top, nameWidth, height);
+        if (entry.colour.isValid()) {
+            painter.fillRect(QRect(gap, top + (height - swatch) / 2, swatch, swatch), entry.colour);
+            painter.drawText(QRect(shareLeft, top, width() - shareLeft - gap, height),
+                             Qt::AlignVCenter | Qt::AlignRight,
+                             QStringLiteral("%1%").arg(entry.share, 0, 'f', 1));
+        }
+        painter.drawText(text, Qt::AlignVCenter,
+                         fontMetrics().elidedText(entry.name, Qt::ElideMiddle, nameWidth));
+    }
+}
