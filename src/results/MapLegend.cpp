@@ -11,13 +11,20 @@ namespace {
 
 constexpr int swatch = 12;
 constexpr int gap = 6;
-constexpr int nameWidth = 150;
+constexpr int nameWidth = 190;
 // The branches' colours come round again after this many.
 constexpr std::size_t branchesNamed = 12;
 
 double percentOf(std::uint64_t part, std::uint64_t whole)
 {
     return whole > 0 ? 100.0 * double(part) / double(whole) : 0.0;
+}
+
+// A share too small for a tenth still tells that there is some.
+QString shareText(double share)
+{
+    return share > 0 && share < 0.05 ? QStringLiteral("<0.1%")
+                                     : QStringLiteral("%1%").arg(share, 0, 'f', 1);
 }
 
 } // namespace
@@ -128,8 +135,7 @@ void MapLegend::paintEvent(QPaintEvent*)
         if (entry.colour.isValid()) {
             painter.fillRect(QRect(gap, top + (height - swatch) / 2, swatch, swatch), entry.colour);
             painter.drawText(QRect(shareLeft, top, width() - shareLeft - gap, height),
-                             Qt::AlignVCenter | Qt::AlignRight,
-                             QStringLiteral("%1%").arg(entry.share, 0, 'f', 1));
+                             Qt::AlignVCenter | Qt::AlignRight, shareText(entry.share));
         }
         painter.drawText(text, Qt::AlignVCenter,
                          fontMetrics().elidedText(entry.name, Qt::ElideMiddle, nameWidth));

@@ -388,6 +388,25 @@ bool drive(MainWindow& window, Camera& camera, const QString& root)
     return ok;
 }
 
+// The map of a real tree, /usr, coloured by type with its legend, larger.
+bool typesMap(MainWindow& window, Camera& camera)
+{
+    if (!camera.wanted(QStringLiteral("results-map-types")) || !QFileInfo::exists("/usr"))
+        return true;
+    const QSize size = window.size();
+    window.resize(1280, 800);
+    DiskUsageScanProgressForm* results = scan(window, QStringLiteral("/usr"));
+    if (!results)
+        return false;
+    child<QTabWidget>(results, "tabWidget")->setCurrentIndex(3);
+    auto* map = child<TreemapView>(results, "treemapView");
+    waitFor([map] { return map->isRendered() && map->rectOf(0) == QRectF(map->rect()); }, 20'000);
+    const bool ok = camera.take(&window, QStringLiteral("results-map-types"));
+    goBack(window, results);
+    window.resize(size);
+    return ok;
+}
+
 std::optional<Options> parse(const QStringList& arguments)
 {
     Options options;
@@ -450,6 +469,7 @@ int main(int argc, char* argv[])
     if (camera.wanted(QStringLiteral("results-opened")))
         ok = (QFileInfo::exists(samples) || makeSampleTree(samples)) &&
              opened(window, camera, samples) && ok;
+    ok = typesMap(window, camera) && ok;
     if (!options->drive.isEmpty())
         ok = drive(window, camera, options->drive) && ok;
     window.close();
