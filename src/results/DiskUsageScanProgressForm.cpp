@@ -99,7 +99,9 @@ void DiskUsageScanProgressForm::showMapLegend()
     const ScanTree* tree = changes.scan().tree.get();
     if (!tree)
         return ui->mapLegend->clear();
-    if (map->colouring() == TreemapPainter::Colouring::ByFolder)
+    if (map->showsChanges())
+        ui->mapLegend->showChanges();
+    else if (map->colouring() == TreemapPainter::Colouring::ByFolder)
         ui->mapLegend->showBranches(*tree, map->measure());
     else
         ui->mapLegend->showCategories(categoryNames(), map->categoryAmounts());
@@ -666,5 +668,6 @@ void DiskUsageScanProgressForm::showChanges()
     const std::shared_ptr<const ScanComparison>& comparison = comparer.comparison();
     ui->treeView->showChanges(comparison);
     ui->treemapView->showChanges(comparison);
+    showMapLegend();
     onFolderSelected();
 }

@@ -88,6 +88,17 @@ void MapLegend::showBranches(const ScanTree& tree, ScanTree::Measure measure)
     show(QStringLiteral("Folders"), std::move(entries));
 }
 
+void MapLegend::showChanges()
+{
+    using Tint = TreemapLayout::Tint;
+    std::vector<Entry> entries;
+    for (const auto& [tint, name] :
+         {std::pair{Tint::Grown, "Grown"}, std::pair{Tint::Shrunk, "Shrunk"},
+          std::pair{Tint::New, "New"}, std::pair{Tint::Same, "Unchanged"}})
+        entries.push_back({TreemapPainter::tintColour(tint), QString::fromLatin1(name), -1});
+    show(QStringLiteral("Since the older scan"), std::move(entries));
+}
+
 void MapLegend::clear()
 {
     show({}, {});

@@ -9,7 +9,8 @@
 
 // What the map's colours mean, beside it: each file type with its share of
 // the scan, or, coloured by folder, each of the scanned folder's largest
-// children. Rows are painted, a swatch, a name and a share each.
+// children, or while comparing, the colours of change. Rows are painted, a swatch, a name and a
+// share each.
 class MapLegend : public QWidget {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(MapLegend)
@@ -30,6 +31,8 @@ public:
     // The scanned folder's largest children and its own files, as the map
     // colours them by folder.
     void showBranches(const ScanTree& tree, ScanTree::Measure measure);
+    // What the colours of change mean, while comparing with an older scan.
+    void showChanges();
     void clear();
     [[nodiscard]] const std::vector<Entry>& entries() const { return rows; }
 

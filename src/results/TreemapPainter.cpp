@@ -102,12 +102,12 @@ QColor TreemapPainter::branchColour(std::uint16_t branch)
     return QColor::fromHsv(hues[branch % hues.size()], 170, 230);
 }
 
-QColor TreemapPainter::baseColourOf(const TreemapLayout::Cell& node)
+QColor TreemapPainter::tintColour(TreemapLayout::Tint tint)
 {
     using Tint = TreemapLayout::Tint;
-    switch (node.tint) {
+    switch (tint) {
     case Tint::Normal:
-        return branchColour(node.branch);
+        break;
     case Tint::Same:
         return QColor::fromHsv(0, 0, 175);
     case Tint::Grown:
@@ -127,7 +127,8 @@ QColor TreemapPainter::colourOf(const TreemapLayout::Cell& node, Colouring colou
     if (colouring == Colouring::ByType && node.tint == TreemapLayout::Tint::Normal)
         return node.leaf ? categoryColour(node.category) : QColor(150, 150, 150);
     const double lighter = std::min(0.45, 0.07 * double(node.depth > 0 ? node.depth - 1 : 0));
-    const QColor colour = baseColourOf(node);
+    const QColor colour = node.tint == TreemapLayout::Tint::Normal ? branchColour(node.branch)
+                                                                   : tintColour(node.tint);
     return QColor::fromRgbF(float(colour.redF() + (1 - colour.redF()) * lighter),
                             float(colour.greenF() + (1 - colour.greenF()) * lighter),
                             float(colour.blueF() + (1 - colour.blueF()) * lighter));

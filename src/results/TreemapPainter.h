@@ -23,7 +23,6 @@ public:
     [[nodiscard]] static QColor categoryColour(std::uint8_t category);
     // The colour of a branch: a child of the scanned folder and all in it.
     [[nodiscard]] static QColor branchColour(std::uint16_t branch);
-
-private:
-    [[nodiscard]] static QColor baseColourOf(const TreemapLayout::Cell& cell);
+    // The colour of a change; none for Normal.
+    [[nodiscard]] static QColor tintColour(TreemapLayout::Tint tint);
 };

@@ -9,6 +9,7 @@
 #include "results/FolderTreeModel.h"
 #include "results/FolderTreeView.h"
 #include "results/LegendWidget.h"
+#include "results/MapLegend.h"
 #include "results/ResultChanges.h"
 #include "results/ScanComparer.h"
 #include "results/TreemapView.h"
@@ -300,9 +301,20 @@ void TestResultsCompare::theMapIsColouredByChange()
     QVERIFY2(shrunk.green() > shrunk.red() + 40, named(shrunk));
     QVERIFY2(qAbs(same.red() - same.green()) < 10 && qAbs(same.green() - same.blue()) < 10,
              named(same));
+    // The legend tells the colours of change, and the types again after.
+    const auto legendNames = [this] {
+        QStringList names;
+        for (const MapLegend::Entry& entry : child<MapLegend>("mapLegend")->entries())
+            names << entry.name;
+        return names;
+    };
+    QCOMPARE(legendNames(), (QStringList{"Grown", "Shrunk", "New", "Unchanged"}));
+    QCOMPARE(child<MapLegend>("mapLegend")->entries().front().colour,
+             TreemapPainter::tintColour(TreemapLayout::Tint::Grown));
 
     child<QAction>("stopComparingAction")->trigger();
     QVERIFY(!map->showsChanges());
+    QVERIFY(!legendNames().contains("Grown"));
     QTRY_COMPARE_WITH_TIMEOUT(mapColourOf("docs"), docsBefore, 20000);
 }
 
