@@ -125,7 +125,7 @@ void TreemapLayout::Placing::placeChildren(std::size_t index)
 {
     const Cell cell = cells[index];
     const QRectF inner = cell.rect.adjusted(frame, frame, -frame, -frame);
-    if (isFiles(cell.block) || !tree.node(cell.block).isFolder() || inner.width() < smallestSide ||
+    if (!isFolder(tree, cell.block) || inner.width() < smallestSide ||
         inner.height() < smallestSide)
         return;
     // A file of less than this would come out under the smallest tile.
@@ -138,9 +138,7 @@ void TreemapLayout::Placing::placeChildren(std::size_t index)
                    [](const Child& child) { return double(child.amount); });
     const std::vector<QRectF> rects = squarify(sizes, inner);
     for (std::size_t child = 0; child < order.size(); ++child) {
-        const bool folder =
-            !isFiles(order[child].block) && tree.node(order[child].block).isFolder();
-        const double side = folder ? smallestSide : smallestTile;
+        const double side = isFolder(tree, order[child].block) ? smallestSide : smallestTile;
         if (rects[child].width() < side || rects[child].height() < side)
             continue;
         Cell placed;
@@ -170,7 +168,7 @@ std::uint8_t largestOf(const TreemapLayout::CategoryAmounts& amounts)
 void TreemapLayout::Placing::colourFolders()
 {
     for (Cell& cell : cells) {
-        if (cell.leaf && !isFiles(cell.block) && tree.node(cell.block).isFolder())
+        if (cell.leaf && isFolder(tree, cell.block))
             cell.category = largestOf(categoryAmounts(tree, measure, cell.block));
     }
 }
@@ -188,9 +186,7 @@ std::vector<ScanTree::Index> TreemapLayout::rankedSubfolders(const ScanTree& tre
 
 ScanTree::Index TreemapLayout::folderOf(const ScanTree& tree, Block block)
 {
-    if (isFiles(block) || tree.node(block).isFolder())
-        return nodeOf(block);
-    return tree.node(block).parent;
+    return isFile(tree, block) ? tree.node(block).parent : nodeOf(block);
 }
 
 std::vector<TreemapLayout::Child> TreemapLayout::childrenOf(const ScanTree& tree,
@@ -268,10 +264,10 @@ void TreemapLayout::tintByChange(std::vector<Cell>& cells, const ScanTree& tree,
                                  const ScanComparison& comparison)
 {
     for (Cell& cell : cells) {
-        const bool folder = !isFiles(cell.block) && tree.node(cell.block).isFolder();
-        const ScanTree::Index node = folderOf(tree, cell.block);
-        const ScanComparison::Status status =
-            folder ? comparison.changeOf(node).status : comparison.filesChangeOf(node).status;
+        const ScanTree::Index folder = folderOf(tree, cell.block);
+        const ScanComparison::Status status = isFolder(tree, cell.block)
+                                                  ? comparison.changeOf(folder).status
+                                                  : comparison.filesChangeOf(folder).status;
         switch (status) {
         case ScanComparison::Status::Same:
             cell.tint = Tint::Same;

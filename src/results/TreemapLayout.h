@@ -41,6 +41,14 @@ public:
     };
 
     [[nodiscard]] static bool isFiles(Block block) { return block & filesBit; }
+    [[nodiscard]] static bool isFolder(const ScanTree& tree, Block block)
+    {
+        return !isFiles(block) && tree.node(block).isFolder();
+    }
+    [[nodiscard]] static bool isFile(const ScanTree& tree, Block block)
+    {
+        return !isFiles(block) && !tree.node(block).isFolder();
+    }
     // The node a block stands for; a files block's folder.
     [[nodiscard]] static ScanTree::Index nodeOf(Block block) { return block & ~filesBit; }
     // The folder a block is, or lies directly in.
@@ -84,7 +92,8 @@ public:
 
     static constexpr double frame = 2.0;        // pixels between a folder's edge and its content
     static constexpr double smallestSide = 3.0; // pixels; a narrower folder is left to its parent
-    // A file of less than this side squared has no tile of its own.
+    // Pixels: a file or a block of files narrower than this is left to its
+    // folder, and a file whose tile would be smaller than its square has none.
     static constexpr double smallestTile = 2.0;
 
 private:

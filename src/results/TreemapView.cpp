@@ -241,7 +241,7 @@ void TreemapView::mousePressEvent(QMouseEvent* event)
     const TreemapLayout::Block block = cells[std::size_t(cell)].block;
     const ScanTree::Index folder = TreemapLayout::folderOf(*tree, block);
     emit folderClicked(folder);
-    if (folder != block && !TreemapLayout::isFiles(block))
+    if (TreemapLayout::isFile(*tree, block))
         emit fileClicked(block);
 }
 
@@ -308,13 +308,13 @@ QString TreemapView::toolTipFor(const TreemapLayout::Cell& cell) const
         return filesToolTip(cell);
     const ScanTree::Node& node = tree->node(cell.block);
     if (!node.isFolder())
-        return fileToolTip(cell.block) + changeText(cell);
+        return fileToolTip(cell.block) + shareText(cell);
     return QStringLiteral("%1\n%2, %3 on disk\n%4 files, %5 folders")
                .arg(tree->shownPath(cell.block), DiskUsageGlobal::sizeText(double(node.size)),
                     DiskUsageGlobal::sizeText(double(node.onDisk)))
                .arg(node.files)
                .arg(node.folders) +
-           changeText(cell);
+           shareText(cell);
 }
 
 QString TreemapView::fileToolTip(ScanTree::Index file) const
@@ -337,8 +337,7 @@ QString TreemapView::filesToolTip(const TreemapLayout::Cell& cell) const
     for (const TreemapLayout::Cell& other : cells) {
         if (other.parent == cell.parent) {
             tiled.push_back(other.block);
-            someTiled = someTiled || (!TreemapLayout::isFiles(other.block) &&
-                                      !tree->node(other.block).isFolder());
+            someTiled = someTiled || TreemapLayout::isFile(*tree, other.block);
         }
     }
     const QString title =
@@ -355,10 +354,10 @@ QString TreemapView::filesToolTip(const TreemapLayout::Cell& cell) const
         if (lines.size() == filesInToolTip + 2)
             break;
     }
-    return lines.join('\n') + changeText(cell);
+    return lines.join('\n') + shareText(cell);
 }
 
-QString TreemapView::changeText(const TreemapLayout::Cell& cell) const
+QString TreemapView::shareText(const TreemapLayout::Cell& cell) const
 {
     const double share = 100.0 * double(cell.amount) /
                          double(std::max<quint64>(1, tree->node(0).amount(measuredBy)));
@@ -366,9 +365,9 @@ QString TreemapView::changeText(const TreemapLayout::Cell& cell) const
     if (!changes)
         return text;
     const ScanTree::Index folder = TreemapLayout::folderOf(*tree, cell.block);
-    const bool isFolder = folder == cell.block;
-    const ScanComparison::Change change =
-        isFolder ? changes->changeOf(folder) : changes->filesChangeOf(folder);
+    const ScanComparison::Change change = TreemapLayout::isFolder(*tree, cell.block)
+                                              ? changes->changeOf(folder)
+                                              : changes->filesChangeOf(folder);
     return text + (change.status == ScanComparison::Status::New
                        ? QStringLiteral("\nNot in the older scan")
                        : QStringLiteral("\n%1 since the older scan")

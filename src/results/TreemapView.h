@@ -92,7 +92,7 @@ private:
     [[nodiscard]] QString toolTipFor(const TreemapLayout::Cell& cell) const;
     [[nodiscard]] QString fileToolTip(ScanTree::Index file) const;
     [[nodiscard]] QString filesToolTip(const TreemapLayout::Cell& cell) const;
-    [[nodiscard]] QString changeText(const TreemapLayout::Cell& cell) const;
+    [[nodiscard]] QString shareText(const TreemapLayout::Cell& cell) const;
 
     std::shared_ptr<const ScanTree> tree;
     std::shared_ptr<const ScanComparison> changes;

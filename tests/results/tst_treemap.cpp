@@ -76,12 +76,12 @@ ScanTree filesTree(const std::vector<File>& files, std::uint8_t inSubfolder)
 
 bool isFolderCell(const ScanTree& tree, const Cell& cell)
 {
-    return !TreemapLayout::isFiles(cell.block) && tree.node(cell.block).isFolder();
+    return TreemapLayout::isFolder(tree, cell.block);
 }
 
 bool isFileCell(const ScanTree& tree, const Cell& cell)
 {
-    return !TreemapLayout::isFiles(cell.block) && !tree.node(cell.block).isFolder();
+    return TreemapLayout::isFile(tree, cell.block);
 }
 
 // The cells that stand for folders, not files.
@@ -317,9 +317,8 @@ void TestTreemap::everyFileLargeEnoughHasATile()
                  qPrintable(QString("block %1").arg(cell.block)));
         if (isFileCell(tree, cell)) {
             QCOMPARE(cell.amount, tree.node(cell.block).size);
-            QVERIFY(cell.rect.width() * cell.rect.height() >=
-                    TreemapLayout::smallestTile * TreemapLayout::smallestTile - 1e-6);
-            QVERIFY(std::min(cell.rect.width(), cell.rect.height()) >= 1);
+            QVERIFY(cell.rect.width() >= TreemapLayout::smallestTile);
+            QVERIFY(cell.rect.height() >= TreemapLayout::smallestTile);
             hasTile[cell.block] = true;
             tiled += cell.amount;
             ++tiles;
