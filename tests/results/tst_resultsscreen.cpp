@@ -3,11 +3,13 @@
 #include "TestSupport.h"
 #include "app/Appearance.h"
 #include "app/PaletteIcons.h"
+#include "platform/NativeText.h"
 #include "platform/Shell.h"
 #include "platform/Volumes.h"
 #include "results/Columns.h"
 #include "results/DiskUsageScanInfoForm.h"
 #include "results/DiskUsageScanProgressForm.h"
+#include "results/FolderTreeModel.h"
 #include "results/LegendWidget.h"
 #include "results/ResultChanges.h"
 #include "results/ResultDetailsDialog.h"
@@ -34,6 +36,7 @@ private slots:
     void cleanupTestCase();
     void resultsShowTheScannedTree();
     void theLegendListsTheLargestChildren();
+    void theRowsAndTheirSharesFollowTheMeasure();
     void theBiggestFilesTab();
     void theDataFilesTabAndItsDetails();
     void theMapFollowsTheTree();
@@ -219,6 +222,102 @@ void TestResultsScreen::theLegendListsTheLargestChildren()
     // An empty folder: nothing listed, no remainder.
     tree->setCurrentIndex(tree->model()->index(3, 0, tree->model()->index(0, 0)));
     QCOMPARE(visibleLegendNames(form.get()), QStringList{"empty"});
+}
+
+namespace {
+
+using Measure = ScanTree::Measure;
+
+// Folders below `folder`, each of a size and a space on disk, in listing order.
+ScanTree::Index addFolders(ScanTree& tree, ScanTree::Index folder,
+                           const QList<std::tuple<QString, quint64, quint64>>& children)
+{
+    const ScanTree::Index first = tree.addChildren(folder, ScanTree::Index(children.size()));
+    for (int child = 0; child < children.size(); ++child) {
+        const auto& [name, size, onDisk] = children[child];
+        ScanTree::Node& node = tree.node(first + ScanTree::Index(child));
+        tree.setName(first + ScanTree::Index(child), platform::toNative(name));
+        node.flags = ScanTree::Folder;
+        node.size = size;
+        node.onDisk = onDisk;
+        tree.node(folder).size += size;
+        tree.node(folder).onDisk += onDisk;
+        tree.node(folder).folders += 1;
+    }
+    return first;
+}
+
+// Listed a, b, c, d: by size a, then c and d (a tie), then b; on disk b, c, d,
+// a. Each grew by 100 bytes since `grown` less. Only a holds a folder.
+std::shared_ptr<ScanTree> measuredTree(quint64 grown = 0)
+{
+    auto tree =
+        std::make_shared<ScanTree>(QStringLiteral("/m"), platform::toNative(QStringLiteral("m")));
+    const ScanTree::Index first = addFolders(*tree, 0,
+                                             {{"a", 1000 - grown, 100},
+                                              {"b", 300 - grown, 600},
+                                              {"c", 350 - grown, 200},
+                                              {"d", 350 - grown, 200}});
+    addFolders(*tree, first, {{"a1", 0, 0}});
+    return tree;
+}
+
+QStringList rowNames(const QAbstractItemModel& model, const QModelIndex& folder)
+{
+    QStringList names;
+    for (int row = 0; row < model.rowCount(folder); ++row)
+        names << model.index(row, 0, folder).data().toString();
+    return names;
+}
+
+QList<double> shares(const QAbstractItemModel& model, const QModelIndex& folder)
+{
+    QList<double> percentages;
+    for (int row = 0; row < model.rowCount(folder); ++row)
+        percentages << model.index(row, FolderColumn::Percentage, folder).data().toDouble();
+    return percentages;
+}
+
+} // namespace
+
+// The order, the shares behind the bars and growth's ties all go by the
+// measure; the rows move in place, so the view keeps what was chosen and open.
+void TestResultsScreen::theRowsAndTheirSharesFollowTheMeasure()
+{
+    const std::shared_ptr<ScanTree> tree = measuredTree();
+    FolderTreeModel model;
+    model.setTree(tree);
+    QTreeView view;
+    view.setModel(&model);
+    const QModelIndex root = model.index(0, 0);
+    view.expand(root);
+    view.expand(model.index(0, 0, root)); // a, with a1 in it
+    view.setCurrentIndex(model.index(3, 0, root));
+    QCOMPARE(rowNames(model, root), (QStringList{"a", "c", "d", "b"}));
+    QCOMPARE(shares(model, root), (QList<double>{50.0, 17.5, 17.5, 15.0}));
+
+    model.setMeasure(Measure::OnDisk);
+    QCOMPARE(model.measure(), Measure::OnDisk);
+    QCOMPARE(rowNames(model, root), (QStringList{"b", "c", "d", "a"}));
+    QCOMPARE(shares(model, root), (QList<double>{54.54, 18.18, 18.18, 9.09}));
+    QCOMPARE(view.currentIndex().data().toString(), QStringLiteral("b"));
+    QCOMPARE(view.currentIndex().row(), 0);
+    QCOMPARE(view.selectionModel()->selectedRows(), QModelIndexList{model.index(0, 0, root)});
+    QVERIFY(view.isExpanded(model.index(3, 0, root)));
+    QVERIFY(!view.isExpanded(model.index(0, 0, root)));
+    QCOMPARE(rowNames(model, model.index(3, 0, root)), QStringList{"a1"});
+
+    // A new tree keeps the measure.
+    model.setTree(measuredTree());
+    QCOMPARE(rowNames(model, model.index(0, 0)), (QStringList{"b", "c", "d", "a"}));
+
+    // Every folder grew alike: the measure decides.
+    auto comparison = std::make_shared<ScanComparison>(measuredTree(100), model.tree());
+    model.setComparison(comparison);
+    model.setOrder(FolderTreeModel::Order::ByGrowth);
+    QCOMPARE(rowNames(model, model.index(0, 0)), (QStringList{"b", "c", "d", "a"}));
+    model.setMeasure(Measure::Size);
+    QCOMPARE(rowNames(model, model.index(0, 0)), (QStringList{"a", "c", "d", "b"}));
 }
 
 void TestResultsScreen::theBiggestFilesTab()
