@@ -235,7 +235,7 @@ void DiskUsageScanProgressForm::onFolderSelected()
     if (comparison && comparison->newerTree() == generalModel.tree())
         ui->maxItemWidget->showChanges(*comparison, *folder);
     else
-        ui->maxItemWidget->showFolder(*generalModel.tree(), *folder);
+        ui->maxItemWidget->showFolder(*generalModel.tree(), *folder, generalModel.measure());
 }
 
 void DiskUsageScanProgressForm::onExploreFolder()
