@@ -2,6 +2,7 @@
 
 #include "CompareDialog.h"
 #include "DiskUsageScanInfoForm.h"
+#include "MeasureSetting.h"
 #include "RemovalQuestion.h"
 #include "ResultDetailsDialog.h"
 #include "desktop/ShellActions.h"
@@ -33,6 +34,7 @@ DiskUsageScanProgressForm::DiskUsageScanProgressForm(QWidget* parent)
     ui->setupUi(this);
     setUpMap();
     connectButtons();
+    setUpMeasure();
     setUpActions();
     setUpComparing();
     scanPanel = addScanPanel();
@@ -128,6 +130,33 @@ void DiskUsageScanProgressForm::connectButtons()
     connect(ui->explorerBiggestButton, &QAbstractButton::clicked, this, &Form::onShowBiggestFile);
     connect(ui->openFileBiggestButton, &QAbstractButton::clicked, this, &Form::onOpenBiggestFile);
     connect(ui->dataFilesViewButton, &QAbstractButton::clicked, this, &Form::onViewDataFiles);
+}
+
+// The switch starts where the last results left it.
+void DiskUsageScanProgressForm::setUpMeasure()
+{
+    const ScanTree::Measure measure = MeasureSetting::load();
+    ui->onDiskMeasureButton->setChecked(measure == ScanTree::Measure::OnDisk);
+    generalModel.setMeasure(measure);
+    // Of two exclusive buttons, this one toggles at every switch.
+    connect(ui->onDiskMeasureButton, &QAbstractButton::toggled, this,
+            &DiskUsageScanProgressForm::onMeasureChanged);
+}
+
+ScanTree::Measure DiskUsageScanProgressForm::chosenMeasure() const
+{
+    return ui->onDiskMeasureButton->isChecked() ? ScanTree::Measure::OnDisk
+                                                : ScanTree::Measure::Size;
+}
+
+// The tree's rows move in place, keeping the user's selection and open
+// folders; the map keeps to size.
+void DiskUsageScanProgressForm::onMeasureChanged()
+{
+    const ScanTree::Measure measure = chosenMeasure();
+    MeasureSetting::write(measure);
+    generalModel.setMeasure(measure);
+    onFolderSelected();
 }
 
 DiskUsageScanInfoForm* DiskUsageScanProgressForm::addScanPanel()
@@ -295,7 +324,7 @@ void DiskUsageScanProgressForm::onFolderSelected()
     if (comparison && comparison->newerTree() == generalModel.tree())
         ui->maxItemWidget->showChanges(*comparison, *folder);
     else
-        ui->maxItemWidget->showFolder(*generalModel.tree(), *folder);
+        ui->maxItemWidget->showFolder(*generalModel.tree(), *folder, generalModel.measure());
 }
 
 void DiskUsageScanProgressForm::onExploreFolder()

@@ -59,6 +59,10 @@ private:
     void showMapLegend();
     void onMapFileClicked(ScanTree::Index file);
     void connectButtons();
+    // Size or space on disk: what the tree's order and bars and the legend go by.
+    void setUpMeasure();
+    [[nodiscard]] ScanTree::Measure chosenMeasure() const;
+    void onMeasureChanged();
     [[nodiscard]] DiskUsageScanInfoForm* addScanPanel();
     void onScanCancel();
     void onResults();

@@ -50,6 +50,23 @@ void FolderTreeModel::setOrder(Order order)
     endResetModel();
 }
 
+// The rows are the same, only in another order: the indexes a view holds on
+// to (its selection, its open folders) are moved to the rows' new places.
+void FolderTreeModel::setMeasure(ScanTree::Measure measure)
+{
+    if (measure == measured)
+        return;
+    emit layoutAboutToBeChanged({}, QAbstractItemModel::VerticalSortHint);
+    const QModelIndexList held = persistentIndexList();
+    measured = measure;
+    forgetRows();
+    QModelIndexList moved;
+    for (const QModelIndex& index : held)
+        moved << indexOf(nodeOf(index), index.column());
+    changePersistentIndexList(held, moved);
+    emit layoutChanged({}, QAbstractItemModel::VerticalSortHint);
+}
+
 void FolderTreeModel::forgetRows()
 {
     rows.clear();
@@ -73,7 +90,7 @@ const std::vector<ScanTree::Index>& FolderTreeModel::rowsOf(Index folder) const
         return found->second;
     std::vector<Index> children = scan->shownSubfolders(folder);
     const auto larger = [this](Index a, Index b) {
-        return scan->node(a).size > scan->node(b).size;
+        return scan->node(a).amount(measured) > scan->node(b).amount(measured);
     };
     if (compared && ordered == Order::ByGrowth) {
         std::stable_sort(children.begin(), children.end(), [&](Index a, Index b) {
@@ -193,7 +210,7 @@ QVariant FolderTreeModel::value(Index node, int column) const
     case Path:
         return scan->shownPath(node);
     case Percentage:
-        return scan->percentage(node);
+        return scan->percentage(node, measured);
     case MaxData:
         return scan->childSummary(node, scan->largestChildren(node, ScanTree::summaryLimit));
     case FolderColumn::Index:

@@ -10,11 +10,12 @@
 #include <vector>
 
 // The folder tree of a scan as rows: the scanned folder, and below each
-// folder its subfolders (not the excluded ones), largest first, ties in
-// listing order; while comparing with an older scan, on request those that
-// grew most first. Values are read from the scan's tree as a view asks for
-// them; a folder's rows are ordered the first time they are wanted, and that
-// order kept.
+// folder its subfolders (not the excluded ones), largest first by the measure
+// (size or space on disk), ties in listing order; while comparing with an
+// older scan, on request those that grew most first. Values are read from the
+// scan's tree as a view asks for them; a folder's rows are ordered the first
+// time they are wanted, and that order kept until the order or the measure
+// changes.
 class FolderTreeModel : public QAbstractItemModel {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(FolderTreeModel)
@@ -22,6 +23,7 @@ class FolderTreeModel : public QAbstractItemModel {
 public:
     // The Change column's figures, as numbers.
     enum Role { ChangeBytesRole = Qt::UserRole, ChangeFilesRole, ChangeStatusRole };
+    // BySize: largest first by the measure.
     enum class Order { BySize, ByGrowth };
 
     explicit FolderTreeModel(QObject* parent = nullptr);
@@ -44,6 +46,12 @@ public:
     // next comparison.
     void setOrder(Order order);
     [[nodiscard]] Order order() const { return ordered; }
+    // What "largest" means: the rows' order, growth's ties and each folder's
+    // share of its parent (the Percentage column) follow it. The rows move in
+    // place, so a view keeps its selection and its open folders; a new tree
+    // keeps the measure.
+    void setMeasure(ScanTree::Measure measure);
+    [[nodiscard]] ScanTree::Measure measure() const { return measured; }
 
     // The row of a folder node, made on demand however deep it lies.
     [[nodiscard]] QModelIndex indexOf(ScanTree::Index folder, int column = 0) const;
@@ -74,6 +82,7 @@ private:
     std::shared_ptr<const ScanTree> scan;
     std::shared_ptr<const ScanComparison> compared;
     Order ordered = Order::BySize;
+    ScanTree::Measure measured = ScanTree::Measure::Size;
     QString oneDrive;
     QIcon folderIcon;
     QIcon cloudIcon;

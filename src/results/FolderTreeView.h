@@ -13,10 +13,11 @@
 class FolderTreeModel;
 
 // The folder tree of the results: name, size with its share of the parent
-// drawn as a bar, bytes on disk beside it, file and folder counts, and while
-// comparing with an older scan, what changed. Rows keep the order of loading
-// (largest first); while comparing, a click on the Change header puts those
-// that grew most first, a click on another header goes back.
+// drawn as a bar (in the model's measure), bytes on disk beside it, file and
+// folder counts, and while comparing with an older scan, what changed. Rows
+// keep the model's order (largest first); while comparing, a click on the
+// Change header puts those that grew most first, a click on another header
+// goes back.
 class FolderTreeView : public ResultView {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(FolderTreeView)

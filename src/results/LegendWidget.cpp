@@ -72,15 +72,16 @@ LegendWidget::LegendWidget(QWidget* parent)
 
 LegendWidget::~LegendWidget() = default;
 
-void LegendWidget::showFolder(const ScanTree& tree, ScanTree::Index folder)
+void LegendWidget::showFolder(const ScanTree& tree, ScanTree::Index folder,
+                              ScanTree::Measure measure)
 {
-    const quint64 total = tree.node(folder).size;
+    const quint64 total = tree.node(folder).amount(measure);
     showSummary(tree.nameText(folder), DiskUsageGlobal::sizeText(double(total)));
 
     quint64 listed = 0;
     int filled = 0;
-    for (ScanTree::Index child : tree.largestChildren(folder, rows - 1)) {
-        const quint64 size = tree.node(child).size;
+    for (ScanTree::Index child : tree.largestChildren(folder, rows - 1, false, measure)) {
+        const quint64 size = tree.node(child).amount(measure);
         listed += size;
         showRow(filled++, tree.node(child).isFolder() ? folderIcon : fileIcon,
                 shortenedName(tree.nameText(child)), DiskUsageGlobal::sizeText(double(size)));

@@ -9,7 +9,8 @@ class QLabel;
 
 // The legend beside the folder tree: the selected folder and its size, its
 // ten largest children, and what the rest of it takes ("Other Smaller
-// Items"), each with an icon. While comparing with an older scan, what grew:
+// Items"), each with an icon; sizes and "largest" are by the measure the
+// results are shown in. While comparing with an older scan, what grew:
 // the folder's change, its ten children that grew most, and what else
 // changed. Icons, names and sizes stand in three columns.
 class LegendWidget : public QWidget {
@@ -20,7 +21,7 @@ public:
     explicit LegendWidget(QWidget* parent = nullptr);
     ~LegendWidget() override;
 
-    void showFolder(const ScanTree& tree, ScanTree::Index folder);
+    void showFolder(const ScanTree& tree, ScanTree::Index folder, ScanTree::Measure measure);
     void showChanges(const ScanComparison& comparison, ScanTree::Index folder);
 
     // Longer names show as their first and last 18 characters around "...".

@@ -164,7 +164,7 @@ std::vector<ScanTree::Index> ScanTree::shownSubfolders(Index folder) const
 }
 
 std::vector<ScanTree::Index> ScanTree::largestChildren(Index folder, std::size_t limit,
-                                                       bool filesOnly) const
+                                                       bool filesOnly, Measure measure) const
 {
     struct Ranked {
         Index node;
@@ -172,7 +172,7 @@ std::vector<ScanTree::Index> ScanTree::largestChildren(Index folder, std::size_t
     };
     QList<Ranked> ranked;
     const auto offer = [&](Index child) {
-        const std::uint64_t size = nodes[child].size;
+        const std::uint64_t size = nodes[child].amount(measure);
         DiskUsageGlobal::offerRanked(ranked, size, qsizetype(limit), [&] {
             return Ranked{child, size};
         });
@@ -219,11 +219,11 @@ QString ScanTree::childSummary(Index folder, const std::vector<Index>& largest) 
     return platform::toQString(summary);
 }
 
-double ScanTree::percentage(Index index) const
+double ScanTree::percentage(Index index, Measure measure) const
 {
     if (index == 0)
         return 100.0;
-    return percentage(nodes[index].size, nodes[nodes[index].parent].size);
+    return percentage(nodes[index].amount(measure), nodes[nodes[index].parent].amount(measure));
 }
 
 double ScanTree::percentage(std::uint64_t child, std::uint64_t parent)

@@ -111,21 +111,22 @@ public:
 
     // A folder's children that show as rows (folders not excluded), in listing order.
     [[nodiscard]] std::vector<Index> shownSubfolders(Index folder) const;
-    // The `limit` largest children, largest first, as a folder keeps them: its
-    // files in listing order, then (unless only files are asked for) its shown
-    // subfolders, each before the first strictly smaller one, so that ties
-    // keep the earlier in front.
+    // The `limit` largest children by the measure, largest first, as a folder
+    // keeps them: its files in listing order, then (unless only files are
+    // asked for) its shown subfolders, each before the first strictly smaller
+    // one, so that ties keep the earlier in front.
     [[nodiscard]] std::vector<Index> largestChildren(Index folder, std::size_t limit,
-                                                     bool filesOnly = false) const;
+                                                     bool filesOnly = false,
+                                                     Measure measure = Measure::Size) const;
     // How many of its largest children a folder's summary names.
     static constexpr std::size_t summaryLimit = 10;
     // name:size:kind; for each of the largest children (as largestChildren
     // gives them), then the number of shown subfolders. Names are written as
     // they are: the text is for reading, never to be taken apart again.
     [[nodiscard]] QString childSummary(Index folder, const std::vector<Index>& largest) const;
-    // The share of a node in its folder, in percent cut to two decimals; the
-    // scanned folder's is 100.
-    [[nodiscard]] double percentage(Index index) const;
+    // The share of a node in its folder by the measure, in percent cut to two
+    // decimals; the scanned folder's is 100.
+    [[nodiscard]] double percentage(Index index, Measure measure = Measure::Size) const;
     [[nodiscard]] static double percentage(std::uint64_t child, std::uint64_t parent);
 
 private:

@@ -3,6 +3,7 @@
 #include "TestSupport.h"
 #include "app/Appearance.h"
 #include "app/PaletteIcons.h"
+#include "platform/NativeText.h"
 #include "platform/Shell.h"
 #include "platform/Volumes.h"
 #include "results/BiggestFilesView.h"
@@ -10,11 +11,14 @@
 #include "results/DataFilesView.h"
 #include "results/DiskUsageScanInfoForm.h"
 #include "results/DiskUsageScanProgressForm.h"
+#include "results/FolderTreeModel.h"
 #include "results/LegendWidget.h"
 #include "results/MapLegend.h"
 #include "results/ResultChanges.h"
 #include "results/ResultDetailsDialog.h"
 #include "results/TreemapView.h"
+#include "scan/DiskUsageGlobal.h"
+#include "settings/SettingsStore.h"
 
 #include <QComboBox>
 #include <QDesktopServices>
@@ -22,6 +26,7 @@
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QRandomGenerator>
 #include <QStyleFactory>
 #include <QTabWidget>
 #include <QToolButton>
@@ -38,6 +43,9 @@ private slots:
     void cleanupTestCase();
     void resultsShowTheScannedTree();
     void theLegendListsTheLargestChildren();
+    void theRowsAndTheirSharesFollowTheMeasure();
+    void theSwitchMeasuresTheTreeAndTheLegendOnDisk();
+    void theMeasureIsRememberedForTheNextResults();
     void theBiggestFilesTab();
     void theDataFilesTabAndItsDetails();
     void theMapFollowsTheTree();
@@ -60,6 +68,7 @@ private slots:
 
 private:
     void makeFile(const QString& relative, qint64 size);
+    static void writeFilled(const QString& path, qint64 size);
     // A form with finished results for the tree.
     // The results of a scan of `folder`, by default the test's tree.
     std::unique_ptr<DiskUsageScanProgressForm> scanned(QString folder = {});
@@ -68,12 +77,16 @@ private:
         return form->findChild<T*>(QString::fromLatin1(name));
     }
     static QStringList visibleLegendNames(QObject* form);
+    // Each row of the legend shown, top to bottom, as "name = size".
+    static QStringList legendRows(QObject* form);
 
     IsolatedSettings isolated;
     // The scanning panel's counter as the results arrived.
     QString finalCount;
     QStringList firstLines; // the path and count lines as the scan starts
     QTemporaryDir dir;
+    // Where size and space on disk disagree: a sparse image takes nothing.
+    QTemporaryDir measured;
     OpenedUrls opened;
     FakeOpener opener;
     const QString longName = QString(41, 'L');
@@ -102,10 +115,20 @@ void TestResultsScreen::initTestCase()
     makeFile("music/song.mp3", 300'000);
     makeFile("music/odd;na:me.txt", 10);
     QVERIFY(QDir(dir.path()).mkdir("empty"));
+
+    // By size: image, sparse.iso, data, written.bin; on disk: data,
+    // written.bin, image, sparse.iso.
+    QVERIFY(writeSizedFile(measured.filePath("image/disk.img"), 50'000'000));
+    QVERIFY(writeSizedFile(measured.filePath("sparse.iso"), 20'000'000));
+    writeFilled(measured.filePath("image/label.txt"), 4096);
+    writeFilled(measured.filePath("data/notes.bin"), 256 * 1024);
+    writeFilled(measured.filePath("data/inner/part.bin"), 64 * 1024);
+    writeFilled(measured.filePath("written.bin"), 128 * 1024);
 }
 
 void TestResultsScreen::init()
 {
+    isolated.clear();
     opened.urls.clear();
     opener.forget();
 }
@@ -118,6 +141,18 @@ void TestResultsScreen::cleanupTestCase()
 void TestResultsScreen::makeFile(const QString& relative, qint64 size)
 {
     QVERIFY(writeSizedFile(dir.filePath(relative), size));
+}
+
+// Bytes no file system compresses away, so the file takes its size on disk.
+void TestResultsScreen::writeFilled(const QString& path, qint64 size)
+{
+    QVERIFY(writeSizedFile(path, 0));
+    QByteArray bytes(size, Qt::Uninitialized);
+    QRandomGenerator random(7);
+    random.fillRange(reinterpret_cast<quint32*>(bytes.data()), size / 4);
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QCOMPARE(file.write(bytes), size);
 }
 
 std::unique_ptr<DiskUsageScanProgressForm> TestResultsScreen::scanned(QString folder)
@@ -154,6 +189,19 @@ QStringList TestResultsScreen::visibleLegendNames(QObject* form)
     for (QLabel* label : labels)
         names << label->text();
     return names;
+}
+
+QStringList TestResultsScreen::legendRows(QObject* form)
+{
+    QMap<int, QMap<int, QString>> textsByLine;
+    for (QLabel* label : child<QWidget>(form, "maxItemWidget")->findChildren<QLabel*>()) {
+        if (label->isVisible() && !label->text().isEmpty())
+            textsByLine[label->y()][label->x()] = label->text();
+    }
+    QStringList rows;
+    for (const QMap<int, QString>& line : textsByLine)
+        rows << QStringList(line.values()).join(QStringLiteral(" = "));
+    return rows;
 }
 
 void TestResultsScreen::resultsShowTheScannedTree()
@@ -224,6 +272,201 @@ void TestResultsScreen::theLegendListsTheLargestChildren()
     // An empty folder: nothing listed, no remainder.
     tree->setCurrentIndex(tree->model()->index(3, 0, tree->model()->index(0, 0)));
     QCOMPARE(visibleLegendNames(form.get()), QStringList{"empty"});
+}
+
+namespace {
+
+using Measure = ScanTree::Measure;
+
+// Folders below `folder`, each of a size and a space on disk, in listing order.
+ScanTree::Index addFolders(ScanTree& tree, ScanTree::Index folder,
+                           const QList<std::tuple<QString, quint64, quint64>>& children)
+{
+    const ScanTree::Index first = tree.addChildren(folder, ScanTree::Index(children.size()));
+    for (int child = 0; child < children.size(); ++child) {
+        const auto& [name, size, onDisk] = children[child];
+        ScanTree::Node& node = tree.node(first + ScanTree::Index(child));
+        tree.setName(first + ScanTree::Index(child), platform::toNative(name));
+        node.flags = ScanTree::Folder;
+        node.size = size;
+        node.onDisk = onDisk;
+        tree.node(folder).size += size;
+        tree.node(folder).onDisk += onDisk;
+        tree.node(folder).folders += 1;
+    }
+    return first;
+}
+
+// Listed a, b, c, d: by size a, then c and d (a tie), then b; on disk b, c, d,
+// a. Each grew by 100 bytes since `grown` less. Only a holds a folder.
+std::shared_ptr<ScanTree> measuredTree(quint64 grown = 0)
+{
+    auto tree =
+        std::make_shared<ScanTree>(QStringLiteral("/m"), platform::toNative(QStringLiteral("m")));
+    const ScanTree::Index first = addFolders(*tree, 0,
+                                             {{"a", 1000 - grown, 100},
+                                              {"b", 300 - grown, 600},
+                                              {"c", 350 - grown, 200},
+                                              {"d", 350 - grown, 200}});
+    addFolders(*tree, first, {{"a1", 0, 0}});
+    return tree;
+}
+
+QStringList rowNames(const QAbstractItemModel& model, const QModelIndex& folder)
+{
+    QStringList names;
+    for (int row = 0; row < model.rowCount(folder); ++row)
+        names << model.index(row, 0, folder).data().toString();
+    return names;
+}
+
+// Whether the file system left a file made by writeSizedFile() without blocks.
+bool isSparse(const ScanTree& scan, const QString& path)
+{
+    const ScanTree::Node& file = scan.node(scan.locate(path));
+    return file.onDisk < file.size;
+}
+
+QList<double> shares(const QAbstractItemModel& model, const QModelIndex& folder)
+{
+    QList<double> percentages;
+    for (int row = 0; row < model.rowCount(folder); ++row)
+        percentages << model.index(row, FolderColumn::Percentage, folder).data().toDouble();
+    return percentages;
+}
+
+} // namespace
+
+// The order, the shares behind the bars and growth's ties all go by the
+// measure; the rows move in place, so the view keeps what was chosen and open.
+void TestResultsScreen::theRowsAndTheirSharesFollowTheMeasure()
+{
+    const std::shared_ptr<ScanTree> tree = measuredTree();
+    FolderTreeModel model;
+    model.setTree(tree);
+    QTreeView view;
+    view.setModel(&model);
+    const QModelIndex root = model.index(0, 0);
+    view.expand(root);
+    view.expand(model.index(0, 0, root)); // a, with a1 in it
+    view.setCurrentIndex(model.index(3, 0, root));
+    QCOMPARE(rowNames(model, root), (QStringList{"a", "c", "d", "b"}));
+    QCOMPARE(shares(model, root), (QList<double>{50.0, 17.5, 17.5, 15.0}));
+
+    model.setMeasure(Measure::OnDisk);
+    QCOMPARE(model.measure(), Measure::OnDisk);
+    QCOMPARE(rowNames(model, root), (QStringList{"b", "c", "d", "a"}));
+    QCOMPARE(shares(model, root), (QList<double>{54.54, 18.18, 18.18, 9.09}));
+    QCOMPARE(view.currentIndex().data().toString(), QStringLiteral("b"));
+    QCOMPARE(view.currentIndex().row(), 0);
+    QCOMPARE(view.selectionModel()->selectedRows(), QModelIndexList{model.index(0, 0, root)});
+    QVERIFY(view.isExpanded(model.index(3, 0, root)));
+    QVERIFY(!view.isExpanded(model.index(0, 0, root)));
+    QCOMPARE(rowNames(model, model.index(3, 0, root)), QStringList{"a1"});
+
+    // A new tree keeps the measure.
+    model.setTree(measuredTree());
+    QCOMPARE(rowNames(model, model.index(0, 0)), (QStringList{"b", "c", "d", "a"}));
+
+    // Every folder grew alike: the measure decides.
+    auto comparison = std::make_shared<ScanComparison>(measuredTree(100), model.tree());
+    model.setComparison(comparison);
+    model.setOrder(FolderTreeModel::Order::ByGrowth);
+    QCOMPARE(rowNames(model, model.index(0, 0)), (QStringList{"b", "c", "d", "a"}));
+    model.setMeasure(Measure::Size);
+    QCOMPARE(rowNames(model, model.index(0, 0)), (QStringList{"a", "c", "d", "b"}));
+}
+
+void TestResultsScreen::theSwitchMeasuresTheTreeAndTheLegendOnDisk()
+{
+    auto form = scanned(measured.path());
+    QVERIFY(form);
+    const auto* model =
+        qobject_cast<FolderTreeModel*>(child<QTreeView>(form.get(), "treeView")->model());
+    const ScanTree& scan = *model->tree();
+    if (!isSparse(scan, measured.filePath("sparse.iso")))
+        QSKIP("this file system keeps no sparse files");
+    auto* tree = child<QTreeView>(form.get(), "treeView");
+    auto* bySize = child<QToolButton>(form.get(), "sizeMeasureButton");
+    auto* onDisk = child<QToolButton>(form.get(), "onDiskMeasureButton");
+    QVERIFY(bySize->isVisible() && bySize->isChecked() && !onDisk->isChecked());
+    const QModelIndex root = model->index(0, 0);
+    const QString rootName = QFileInfo(measured.path()).fileName();
+    QCOMPARE(rowNames(*model, root), (QStringList{"image", "data"}));
+    QCOMPARE(visibleLegendNames(form.get()),
+             (QStringList{rootName, "image", "sparse.iso", "data", "written.bin"}));
+    const auto sizeOf = [&](const QString& relative, Measure measure) {
+        const ScanTree::Index node =
+            relative.isEmpty() ? 0 : scan.locate(measured.filePath(relative));
+        return DiskUsageGlobal::sizeText(double(scan.node(node).amount(measure)));
+    };
+    QCOMPARE(legendRows(form.get()).at(1), "image = " + sizeOf("image", Measure::Size));
+
+    // The bar of the image fills its cell by size, and next to nothing on disk.
+    const auto barOf = [&](const QString& name) {
+        const QModelIndex row = model->index(rowNames(*model, root).indexOf(name), 0, root);
+        const QRect cell = tree->visualRect(row.siblingAtColumn(FolderColumn::SizeText));
+        const QImage image = tree->viewport()->grab(cell).toImage();
+        // Along the top, where no text stands.
+        int yellow = 0;
+        for (int x = 0; x < image.width(); ++x)
+            yellow += image.pixelColor(x, 1) == QColor(Qt::yellow) ? 1 : 0;
+        return yellow * 100 / image.width();
+    };
+    QVERIFY(barOf("image") > 60);
+
+    // Switched with data/inner chosen and data open: both stay so.
+    const QModelIndex data = model->index(1, 0, root);
+    tree->expand(data);
+    tree->setCurrentIndex(model->index(0, 0, data));
+    onDisk->click();
+    QVERIFY(onDisk->isChecked() && !bySize->isChecked());
+    QCOMPARE(rowNames(*model, root), (QStringList{"data", "image"}));
+    QVERIFY(tree->isExpanded(model->index(0, 0, root)));
+    QCOMPARE(tree->currentIndex(), model->index(0, 0, model->index(0, 0, root)));
+    QCOMPARE(tree->selectionModel()->selectedRows(), QModelIndexList{tree->currentIndex()});
+    QCOMPARE(legendRows(form.get()).first(), "inner = " + sizeOf("data/inner", Measure::OnDisk));
+    QVERIFY(barOf("image") < 10);
+    QVERIFY(barOf("data") > 60);
+
+    // The legend of the scanned folder: largest on disk first, sizes on disk.
+    tree->setCurrentIndex(root);
+    QCOMPARE(visibleLegendNames(form.get()).mid(0, 5),
+             (QStringList{rootName, "data", "written.bin", "image", "sparse.iso"}));
+    const QStringList rows = legendRows(form.get());
+    QCOMPARE(rows.at(0), rootName + " = " + sizeOf({}, Measure::OnDisk));
+    QCOMPARE(rows.at(1), "data = " + sizeOf("data", Measure::OnDisk));
+    QCOMPARE(rows.at(3), "image = " + sizeOf("image", Measure::OnDisk));
+    QCOMPARE(SettingsStore::readDword(QStringLiteral("SizeMeasure")).value_or(9), 1u);
+}
+
+// The next results open as the last were left; a value that names no
+// measure is size.
+void TestResultsScreen::theMeasureIsRememberedForTheNextResults()
+{
+    QVERIFY(!SettingsStore::readDword(QStringLiteral("SizeMeasure")));
+    {
+        DiskUsageScanProgressForm first;
+        QVERIFY(child<QToolButton>(&first, "sizeMeasureButton")->isChecked());
+        child<QToolButton>(&first, "onDiskMeasureButton")->click();
+    }
+    auto form = scanned(measured.path());
+    QVERIFY(form);
+    QVERIFY(child<QToolButton>(form.get(), "onDiskMeasureButton")->isChecked());
+    const auto* model =
+        qobject_cast<FolderTreeModel*>(child<QTreeView>(form.get(), "treeView")->model());
+    QCOMPARE(model->measure(), Measure::OnDisk);
+    if (isSparse(*model->tree(), measured.filePath("sparse.iso")))
+        QCOMPARE(rowNames(*model, model->index(0, 0)), (QStringList{"data", "image"}));
+
+    child<QToolButton>(form.get(), "sizeMeasureButton")->click();
+    QCOMPARE(SettingsStore::readDword(QStringLiteral("SizeMeasure")).value_or(9), 0u);
+    QCOMPARE(rowNames(*model, model->index(0, 0)), (QStringList{"image", "data"}));
+
+    QVERIFY(SettingsStore::writeDword(QStringLiteral("SizeMeasure"), 7));
+    DiskUsageScanProgressForm unknown;
+    QVERIFY(child<QToolButton>(&unknown, "sizeMeasureButton")->isChecked());
+    QVERIFY(!child<QToolButton>(&unknown, "onDiskMeasureButton")->isChecked());
 }
 
 void TestResultsScreen::theBiggestFilesTab()
