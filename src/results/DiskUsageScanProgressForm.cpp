@@ -106,7 +106,7 @@ void DiskUsageScanProgressForm::showMapLegend()
     else if (map->colouring() == TreemapPainter::Colouring::ByFolder)
         ui->mapLegend->showBranches(*tree, map->measure());
     else
-        ui->mapLegend->showCategories(categoryNames(), map->categoryAmounts());
+        ui->mapLegend->showCategories(categoryNames(), map->categoryAmounts(), map->measure());
 }
 
 void DiskUsageScanProgressForm::onMapFileClicked(ScanTree::Index file)
@@ -138,6 +138,7 @@ void DiskUsageScanProgressForm::setUpMeasure()
     const ScanTree::Measure measure = MeasureSetting::load();
     ui->onDiskMeasureButton->setChecked(measure == ScanTree::Measure::OnDisk);
     generalModel.setMeasure(measure);
+    ui->treemapView->setMeasure(measure);
     // Of two exclusive buttons, this one toggles at every switch.
     connect(ui->onDiskMeasureButton, &QAbstractButton::toggled, this,
             &DiskUsageScanProgressForm::onMeasureChanged);
@@ -150,12 +151,14 @@ ScanTree::Measure DiskUsageScanProgressForm::chosenMeasure() const
 }
 
 // The tree's rows move in place, keeping the user's selection and open
-// folders; the map keeps to size.
+// folders; the map is laid out again.
 void DiskUsageScanProgressForm::onMeasureChanged()
 {
     const ScanTree::Measure measure = chosenMeasure();
     MeasureSetting::write(measure);
     generalModel.setMeasure(measure);
+    ui->treemapView->setMeasure(measure);
+    showMapLegend();
     onFolderSelected();
 }
 

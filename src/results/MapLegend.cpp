@@ -38,7 +38,8 @@ MapLegend::MapLegend(QWidget* parent)
 MapLegend::~MapLegend() = default;
 
 void MapLegend::showCategories(const QStringList& names,
-                               const TreemapLayout::CategoryAmounts& amounts)
+                               const TreemapLayout::CategoryAmounts& amounts,
+                               ScanTree::Measure measure)
 {
     const std::uint64_t whole = std::accumulate(amounts.begin(), amounts.end(), std::uint64_t(0));
     std::vector<Entry> entries;
@@ -58,7 +59,9 @@ void MapLegend::showCategories(const QStringList& names,
                            QStringLiteral("Other files"),
                            percentOf(amounts[ScanTree::noCategory], whole)});
     }
-    show(QStringLiteral("File types"), std::move(entries));
+    show(measure == ScanTree::Measure::OnDisk ? QStringLiteral("File types on disk")
+                                              : QStringLiteral("File types by size"),
+         std::move(entries));
 }
 
 void MapLegend::showBranches(const ScanTree& tree, ScanTree::Measure measure)
@@ -85,7 +88,9 @@ void MapLegend::showBranches(const ScanTree& tree, ScanTree::Measure measure)
         entries.push_back({TreemapPainter::branchColour(own), QStringLiteral("Files of its own"),
                            percentOf(whole - inFolders, whole)});
     }
-    show(QStringLiteral("Folders"), std::move(entries));
+    show(measure == ScanTree::Measure::OnDisk ? QStringLiteral("Folders on disk")
+                                              : QStringLiteral("Folders by size"),
+         std::move(entries));
 }
 
 void MapLegend::showChanges()
@@ -104,9 +109,9 @@ void MapLegend::clear()
     show({}, {});
 }
 
-void MapLegend::show(const QString& heading, std::vector<Entry> entries)
+void MapLegend::show(const QString& title, std::vector<Entry> entries)
 {
-    title = heading;
+    heading = title;
     rows = std::move(entries);
     updateGeometry();
     update();
@@ -136,7 +141,7 @@ void MapLegend::paintEvent(QPaintEvent*)
     QFont bold = font();
     bold.setBold(true);
     painter.setFont(bold);
-    painter.drawText(QRect(gap, 0, width() - 2 * gap, height), Qt::AlignVCenter, title);
+    painter.drawText(QRect(gap, 0, width() - 2 * gap, height), Qt::AlignVCenter, heading);
     painter.setFont(font());
     const int shareLeft = gap + swatch + gap + nameWidth + gap;
     for (std::size_t index = 0; index < rows.size(); ++index) {

@@ -27,13 +27,15 @@ public:
 
     // The categories that take anything, the largest first, and the files of
     // no category.
-    void showCategories(const QStringList& names, const TreemapLayout::CategoryAmounts& amounts);
+    void showCategories(const QStringList& names, const TreemapLayout::CategoryAmounts& amounts,
+                        ScanTree::Measure measure);
     // The scanned folder's largest children and its own files, as the map
     // colours them by folder.
     void showBranches(const ScanTree& tree, ScanTree::Measure measure);
     // What the colours of change mean, while comparing with an older scan.
     void showChanges();
     void clear();
+    [[nodiscard]] const QString& title() const { return heading; }
     [[nodiscard]] const std::vector<Entry>& entries() const { return rows; }
 
     [[nodiscard]] QSize sizeHint() const override;
@@ -43,9 +45,9 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    void show(const QString& heading, std::vector<Entry> entries);
+    void show(const QString& title, std::vector<Entry> entries);
     [[nodiscard]] int rowHeight() const;
 
-    QString title;
+    QString heading;
     std::vector<Entry> rows;
 };

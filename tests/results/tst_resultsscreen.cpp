@@ -438,6 +438,25 @@ void TestResultsScreen::theSwitchMeasuresTheTreeAndTheLegendOnDisk()
     QCOMPARE(rows.at(1), "data = " + sizeOf("data", Measure::OnDisk));
     QCOMPARE(rows.at(3), "image = " + sizeOf("image", Measure::OnDisk));
     QCOMPARE(SettingsStore::readDword(QStringLiteral("SizeMeasure")).value_or(9), 1u);
+
+    // The map: the sparse image takes nothing on disk, so no tile; by size,
+    // over a quarter of the map.
+    auto* map = child<TreemapView>(form.get(), "treemapView");
+    QSignalSpy rendered(map, &TreemapView::rendered);
+    child<QTabWidget>(form.get(), "tabWidget")->setCurrentIndex(3);
+    QVERIFY(rendered.wait());
+    QCOMPARE(map->measure(), Measure::OnDisk);
+    const ScanTree::Index sparse = scan.locate(measured.filePath("sparse.iso"));
+    QTRY_VERIFY(!map->rectOf(sparse).isEmpty());
+    QCOMPARE(map->rectOf(sparse), map->rectOf(scan.node(sparse).parent));
+    auto* legend = child<MapLegend>(form.get(), "mapLegend");
+    QTRY_COMPARE(legend->title(), QStringLiteral("File types on disk"));
+    bySize->click();
+    QVERIFY(rendered.wait());
+    const QRectF tile = map->rectOf(sparse);
+    QVERIFY(tile != map->rectOf(scan.node(sparse).parent));
+    QVERIFY(tile.width() * tile.height() > map->width() * map->height() / 4);
+    QTRY_COMPARE(legend->title(), QStringLiteral("File types by size"));
 }
 
 // The next results open as the last were left; a value that names no
