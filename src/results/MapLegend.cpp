@@ -80,8 +80,9 @@ void MapLegend::showBranches(const ScanTree& tree, ScanTree::Measure measure)
     }
     if (folders.size() > branchesNamed) {
         entries.push_back(
-            {QColor(), QStringLiteral("and %1 more folders").arg(folders.size() - branchesNamed),
-             0});
+            {QColor(),
+             QStringLiteral("and %1 more folders").arg(folders.size() - branchesNamed),
+             {}});
     }
     if (whole > inFolders) {
         const auto own = std::uint16_t(std::min<std::size_t>(folders.size(), 0xffff));
@@ -100,7 +101,7 @@ void MapLegend::showChanges()
     for (const auto& [tint, name] :
          {std::pair{Tint::Grown, "Grown"}, std::pair{Tint::Shrunk, "Shrunk"},
           std::pair{Tint::New, "New"}, std::pair{Tint::Same, "Unchanged"}})
-        entries.push_back({TreemapPainter::tintColour(tint), QString::fromLatin1(name), -1});
+        entries.push_back({TreemapPainter::tintColour(tint), QString::fromLatin1(name), {}});
     show(QStringLiteral("Since the older scan"), std::move(entries));
 }
 
@@ -148,10 +149,11 @@ void MapLegend::paintEvent(QPaintEvent*)
         const Entry& entry = rows[index];
         const int top = height * int(index + 1);
         const QRect text(gap + swatch + gap, top, nameWidth, height);
-        if (entry.colour.isValid()) {
+        if (entry.colour.isValid())
             painter.fillRect(QRect(gap, top + (height - swatch) / 2, swatch, swatch), entry.colour);
+        if (entry.share) {
             painter.drawText(QRect(shareLeft, top, width() - shareLeft - gap, height),
-                             Qt::AlignVCenter | Qt::AlignRight, shareText(entry.share));
+                             Qt::AlignVCenter | Qt::AlignRight, shareText(*entry.share));
         }
         painter.drawText(text, Qt::AlignVCenter,
                          fontMetrics().elidedText(entry.name, Qt::ElideMiddle, nameWidth));

@@ -5,6 +5,7 @@
 #include <QColor>
 #include <QWidget>
 
+#include <optional>
 #include <vector>
 
 // What the map's colours mean, beside it: each file type with its share of
@@ -19,7 +20,7 @@ public:
     struct Entry {
         QColor colour; // none for a line that is only text
         QString name;
-        double share = 0; // percent of the scan
+        std::optional<double> share; // percent of the scan
     };
 
     explicit MapLegend(QWidget* parent = nullptr);

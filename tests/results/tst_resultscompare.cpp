@@ -311,6 +311,7 @@ void TestResultsCompare::theMapIsColouredByChange()
     QCOMPARE(legendNames(), (QStringList{"Grown", "Shrunk", "New", "Unchanged"}));
     QCOMPARE(child<MapLegend>("mapLegend")->entries().front().colour,
              TreemapPainter::tintColour(TreemapLayout::Tint::Grown));
+    QVERIFY(!child<MapLegend>("mapLegend")->entries().front().share); // no share of the scan
 
     child<QAction>("stopComparingAction")->trigger();
     QVERIFY(!map->showsChanges());
