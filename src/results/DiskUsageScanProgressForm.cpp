@@ -438,7 +438,8 @@ void DiskUsageScanProgressForm::setUpActions()
     ui->changeStatusLabel->hide();
 }
 
-// The map acts on the folder it outlines, which is the one chosen in the tree.
+// The map acts on what it outlines: the file last clicked or chosen in a
+// list, else the folder chosen in the tree; never the folder of a file.
 std::vector<ScanTree::Index> DiskUsageScanProgressForm::entriesOf(const QWidget* view) const
 {
     const ScanTree* tree = changes.scan().tree.get();
@@ -447,8 +448,8 @@ std::vector<ScanTree::Index> DiskUsageScanProgressForm::entriesOf(const QWidget*
     if (view == ui->treeView)
         return ui->treeView->selectedFolders();
     if (view == ui->treemapView) {
-        const std::optional<ScanTree::Index> folder = ui->treeView->selectedFolder();
-        return folder ? std::vector{*folder} : std::vector<ScanTree::Index>{};
+        const ScanTree::Index outlined = ui->treemapView->highlightedNode();
+        return outlined < tree->size() ? std::vector{outlined} : std::vector<ScanTree::Index>{};
     }
     if (view == ui->searchPanel->resultsView())
         return ui->searchPanel->selectedNodes();

@@ -238,10 +238,13 @@ void TreemapView::mousePressEvent(QMouseEvent* event)
     const bool choosing = event->button() == Qt::LeftButton || event->button() == Qt::RightButton;
     if (!choosing || cell < 0)
         return QWidget::mousePressEvent(event);
+    // What a click chose is outlined, and what the context menu acts on.
     const TreemapLayout::Block block = cells[std::size_t(cell)].block;
     const ScanTree::Index folder = TreemapLayout::folderOf(*tree, block);
+    const bool file = TreemapLayout::isFile(*tree, block);
+    setHighlighted(file ? block : folder);
     emit folderClicked(folder);
-    if (TreemapLayout::isFile(*tree, block))
+    if (file)
         emit fileClicked(block);
 }
 

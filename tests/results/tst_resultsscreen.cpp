@@ -20,6 +20,7 @@
 #include "scan/DiskUsageGlobal.h"
 #include "settings/SettingsStore.h"
 
+#include <QClipboard>
 #include <QComboBox>
 #include <QDesktopServices>
 #include <QHeaderView>
@@ -920,6 +921,18 @@ void TestResultsScreen::theMapShowsEveryFile()
     QCOMPARE(child<DataFilesView>(form.get(), "dataFilesTreeView")->selectedName(),
              QStringLiteral("Audio Files"));
     QCOMPARE(map->highlightedNode(), song);
+    // The map's actions are for the file clicked, not its folder.
+    form->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(form.get()));
+    map->setFocus();
+    QTest::keySequence(map, QKeySequence::Copy);
+    QCOMPARE(QGuiApplication::clipboard()->text(),
+             QDir::toNativeSeparators(dir.filePath("music/song.mp3")));
+    // A click on a folder chooses it again, though the tree had it chosen.
+    const QPoint onFolder = map->rectOf(scan.node(song).parent).topLeft().toPoint() + QPoint(1, 1);
+    QTest::mouseClick(map, Qt::RightButton, {}, onFolder);
+    QCOMPARE(map->highlightedNode(), scan.node(song).parent);
+    QTest::mouseClick(map, Qt::LeftButton, {}, onSong);
 
     biggest->selectPath(QDir::toNativeSeparators(dir.filePath("docs/a12.txt")));
     QCOMPARE(map->highlightedNode(), scan.locate(dir.filePath("docs/a12.txt")));
