@@ -105,8 +105,10 @@ void DiskUsageScanProgressForm::showMapLegend()
         ui->mapLegend->showChanges();
     else if (map->colouring() == TreemapPainter::Colouring::ByFolder)
         ui->mapLegend->showBranches(*tree, map->measure());
+    else if (map->categoryAmounts())
+        ui->mapLegend->showCategories(categoryNames(), *map->categoryAmounts(), map->measure());
     else
-        ui->mapLegend->showCategories(categoryNames(), map->categoryAmounts(), map->measure());
+        ui->mapLegend->clear(); // until the map has counted them again
 }
 
 void DiskUsageScanProgressForm::onMapFileClicked(ScanTree::Index file)
@@ -119,7 +121,6 @@ void DiskUsageScanProgressForm::onMapFileClicked(ScanTree::Index file)
     const std::uint8_t category = tree->node(file).category;
     if (category < names.size())
         ui->dataFilesTreeView->selectNamed(names[category]);
-    ui->treemapView->setHighlighted(file);
 }
 
 void DiskUsageScanProgressForm::connectButtons()
@@ -438,8 +439,8 @@ void DiskUsageScanProgressForm::setUpActions()
     ui->changeStatusLabel->hide();
 }
 
-// The map acts on what it outlines: the file last clicked or chosen in a
-// list, else the folder chosen in the tree; never the folder of a file.
+// The map acts only on the tile the user clicked, while it is drawn: never on
+// a folder for its file, nor on something chosen elsewhere meanwhile.
 std::vector<ScanTree::Index> DiskUsageScanProgressForm::entriesOf(const QWidget* view) const
 {
     const ScanTree* tree = changes.scan().tree.get();
@@ -448,8 +449,8 @@ std::vector<ScanTree::Index> DiskUsageScanProgressForm::entriesOf(const QWidget*
     if (view == ui->treeView)
         return ui->treeView->selectedFolders();
     if (view == ui->treemapView) {
-        const ScanTree::Index outlined = ui->treemapView->highlightedNode();
-        return outlined < tree->size() ? std::vector{outlined} : std::vector<ScanTree::Index>{};
+        const ScanTree::Index chosen = ui->treemapView->chosenNode();
+        return chosen != ScanTree::none ? std::vector{chosen} : std::vector<ScanTree::Index>{};
     }
     if (view == ui->searchPanel->resultsView())
         return ui->searchPanel->selectedNodes();

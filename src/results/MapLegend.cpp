@@ -67,7 +67,7 @@ void MapLegend::showCategories(const QStringList& names,
 void MapLegend::showBranches(const ScanTree& tree, ScanTree::Measure measure)
 {
     const std::vector<ScanTree::Index> folders = TreemapLayout::rankedSubfolders(tree, 0, measure);
-    const std::uint64_t whole = tree.node(0).amount(measure);
+    const std::uint64_t whole = TreemapLayout::filesAndFoldersOf(tree, 0, measure);
     std::vector<Entry> entries;
     std::uint64_t inFolders = 0;
     for (std::size_t rank = 0; rank < folders.size(); ++rank) {
@@ -85,8 +85,8 @@ void MapLegend::showBranches(const ScanTree& tree, ScanTree::Measure measure)
              {}});
     }
     if (whole > inFolders) {
-        const auto own = std::uint16_t(std::min<std::size_t>(folders.size(), 0xffff));
-        entries.push_back({TreemapPainter::branchColour(own), QStringLiteral("Files of its own"),
+        entries.push_back({TreemapPainter::branchColour(TreemapLayout::ownFilesBranch),
+                           QStringLiteral("Files of its own"),
                            percentOf(whole - inFolders, whole)});
     }
     show(measure == ScanTree::Measure::OnDisk ? QStringLiteral("Folders on disk")

@@ -73,9 +73,8 @@ struct TreemapLayout::Placing {
     std::vector<Cell> cells;
     // Of each child of the scanned folder, its place among the subfolders
     // there by size: the colour of its branch. The scanned folder's own
-    // files come after them.
+    // files are ownFilesBranch.
     std::vector<std::uint16_t> branches;
-    std::uint16_t ownFiles = 0;
 
     Placing(const ScanTree& scan, ScanTree::Measure by);
     [[nodiscard]] std::uint16_t branchOf(Block block) const;
@@ -90,18 +89,17 @@ TreemapLayout::Placing::Placing(const ScanTree& scan, ScanTree::Measure by)
 {
     const ScanTree::Node& root = tree.node(0);
     const std::vector<ScanTree::Index> folders = rankedSubfolders(tree, 0, measure);
-    ownFiles = std::uint16_t(std::min<std::size_t>(folders.size(), 0xffff));
-    branches.assign(root.childCount, ownFiles);
+    branches.assign(root.childCount, ownFilesBranch);
     for (std::size_t rank = 0; rank < folders.size(); ++rank)
         branches[folders[rank] - root.firstChild] =
-            std::uint16_t(std::min<std::size_t>(rank, ownFiles));
+            std::uint16_t(std::min<std::size_t>(rank, ownFilesBranch - 1));
 }
 
 std::uint16_t TreemapLayout::Placing::branchOf(Block block) const
 {
     const ScanTree::Index first = tree.node(0).firstChild;
     if (isFiles(block) || block < first || block - first >= branches.size())
-        return ownFiles;
+        return ownFilesBranch;
     return branches[block - first];
 }
 
@@ -213,7 +211,7 @@ std::vector<TreemapLayout::Child> TreemapLayout::childrenOf(const ScanTree& tree
     }
     std::stable_sort(children.begin(), children.end(),
                      [](const Child& a, const Child& b) { return a.amount > b.amount; });
-    const std::uint64_t whole = parent.amount(measure);
+    const std::uint64_t whole = filesAndFoldersOf(tree, folder, measure);
     if (whole > placed) {
         const Child files{folder | filesBit, whole - placed, largestOf(rest)};
         const auto at =
@@ -222,6 +220,14 @@ std::vector<TreemapLayout::Child> TreemapLayout::childrenOf(const ScanTree& tree
         children.insert(at, files);
     }
     return children;
+}
+
+std::uint64_t TreemapLayout::filesAndFoldersOf(const ScanTree& tree, ScanTree::Index folder,
+                                               ScanTree::Measure measure)
+{
+    const ScanTree::Node& node = tree.node(folder);
+    const std::uint64_t own = measure == ScanTree::Measure::OnDisk ? node.ownOnDisk : 0;
+    return node.amount(measure) - std::min(own, node.amount(measure));
 }
 
 TreemapLayout::CategoryAmounts TreemapLayout::categoryAmounts(const ScanTree& tree,
@@ -260,14 +266,12 @@ std::vector<TreemapLayout::Cell> TreemapLayout::layout(const ScanTree& tree, Sca
     return std::move(placing.cells);
 }
 
-void TreemapLayout::tintByChange(std::vector<Cell>& cells, const ScanTree& tree,
-                                 const ScanComparison& comparison)
+void TreemapLayout::tintByChange(std::vector<Cell>& cells, const ScanComparison& comparison)
 {
     for (Cell& cell : cells) {
-        const ScanTree::Index folder = folderOf(tree, cell.block);
-        const ScanComparison::Status status = isFolder(tree, cell.block)
-                                                  ? comparison.changeOf(folder).status
-                                                  : comparison.filesChangeOf(folder).status;
+        const ScanComparison::Status status =
+            isFiles(cell.block) ? comparison.filesChangeOf(nodeOf(cell.block)).status
+                                : comparison.changeOf(cell.block).status;
         switch (status) {
         case ScanComparison::Status::Same:
             cell.tint = Tint::Same;

@@ -66,6 +66,13 @@ public:
                                                        ScanTree::Measure measure,
                                                        std::uint64_t smallest);
 
+    // What a folder holds in its files and subfolders: on disk, less what its
+    // own entry takes, which no tile shows.
+    [[nodiscard]] static std::uint64_t
+    filesAndFoldersOf(const ScanTree& tree, ScanTree::Index folder, ScanTree::Measure measure);
+    // The branch of the scanned folder's own files, coloured apart from its folders'.
+    static constexpr std::uint16_t ownFilesBranch = 0xffff;
+
     // A folder's shown subfolders, the largest first (ties in listing order):
     // the scanned folder's give the map's branches their colours in this order.
     [[nodiscard]] static std::vector<ScanTree::Index>
@@ -76,10 +83,10 @@ public:
     [[nodiscard]] static std::vector<Cell>
     layout(const ScanTree& tree, ScanTree::Index top, const QRectF& area,
            ScanTree::Measure measure = ScanTree::Measure::Size);
-    // Tints every cell by its change: a folder's, or that of the files
-    // directly in its folder, those gone included.
-    static void tintByChange(std::vector<Cell>& cells, const ScanTree& tree,
-                             const ScanComparison& comparison);
+    // Tints every cell by its change: a folder's or a file's own, or for a
+    // block of small files that of the files directly in its folder, those
+    // gone included.
+    static void tintByChange(std::vector<Cell>& cells, const ScanComparison& comparison);
     // Rectangles for sizes given largest first, filling the area.
     [[nodiscard]] static std::vector<QRectF> squarify(const std::vector<double>& sizes,
                                                       const QRectF& area);

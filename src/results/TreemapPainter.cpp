@@ -99,6 +99,8 @@ QColor TreemapPainter::branchColour(std::uint16_t branch)
     // Hues far apart for neighbours, repeated only after twelve branches.
     static constexpr std::array<int, 12> hues{210, 30, 120, 330, 50,  270,
                                               170, 0,  90,  240, 300, 190};
+    if (branch == TreemapLayout::ownFilesBranch)
+        return QColor::fromHsv(0, 0, 190);
     return QColor::fromHsv(hues[branch % hues.size()], 170, 230);
 }
 

@@ -75,9 +75,13 @@ void TreemapView::follow(std::shared_ptr<const ScanTree> changed)
         changes.reset();
     cells.clear();
     highlighted = ScanTree::none;
+    chosen = ScanTree::none;
     amountsCounted = false;
     ++generation;
+    // A refresh may have put a file where the folder shown was.
     top = tree->locateNearest(place);
+    while (top != 0 && !tree->node(top).isFolder())
+        top = tree->node(top).parent;
     if (isVisible())
         render();
     else
@@ -127,6 +131,7 @@ void TreemapView::clear()
     cells.shrink_to_fit();
     top = 0;
     highlighted = ScanTree::none;
+    chosen = ScanTree::none;
     amounts = {};
     amountsCounted = false;
     ++generation; // a picture still being painted is not wanted any more
@@ -148,7 +153,7 @@ void TreemapView::render()
             done->amounts = TreemapLayout::categoryAmounts(*map, measure);
         done->cells = TreemapLayout::layout(*map, from, QRectF(QPointF(0, 0), area), measure);
         if (compared)
-            TreemapLayout::tintByChange(done->cells, *map, *compared);
+            TreemapLayout::tintByChange(done->cells, *compared);
         done->image = TreemapPainter::paint(done->cells, area, colouring);
         std::lock_guard lock(to->mutex);
         if (to->view) {
@@ -219,6 +224,14 @@ QRectF TreemapView::rectOf(ScanTree::Index node) const
     return {};
 }
 
+ScanTree::Index TreemapView::chosenNode() const
+{
+    const bool drawn = chosen != ScanTree::none && image.size() == size() &&
+                       std::any_of(cells.begin(), cells.end(),
+                                   [this](const auto& cell) { return cell.block == chosen; });
+    return drawn ? chosen : ScanTree::none;
+}
+
 int TreemapView::cellAt(const QPoint& point) const
 {
     if (image.size() != size())
@@ -236,16 +249,19 @@ void TreemapView::mousePressEvent(QMouseEvent* event)
     const int cell = cellAt(event->position().toPoint());
     // A right click chooses too: the context menu acts on what it points at.
     const bool choosing = event->button() == Qt::LeftButton || event->button() == Qt::RightButton;
+    if (choosing)
+        chosen = ScanTree::none;
     if (!choosing || cell < 0)
         return QWidget::mousePressEvent(event);
-    // What a click chose is outlined, and what the context menu acts on.
+    // A block of small files is no one entry: the context menu then acts on nothing.
     const TreemapLayout::Block block = cells[std::size_t(cell)].block;
     const ScanTree::Index folder = TreemapLayout::folderOf(*tree, block);
-    const bool file = TreemapLayout::isFile(*tree, block);
-    setHighlighted(file ? block : folder);
     emit folderClicked(folder);
-    if (file)
+    if (TreemapLayout::isFile(*tree, block))
         emit fileClicked(block);
+    // After the lists have followed: what they choose in turn is this.
+    chosen = TreemapLayout::isFiles(block) ? ScanTree::none : block;
+    setHighlighted(TreemapLayout::isFiles(block) ? folder : block);
 }
 
 void TreemapView::mouseDoubleClickEvent(QMouseEvent* event)
@@ -280,12 +296,16 @@ void TreemapView::zoomTo(ScanTree::Index folder)
     if (!tree || folder == top)
         return;
     top = folder;
+    chosen = ScanTree::none;
     render();
     emit zoomChanged(tree->shownPath(folder));
 }
 
+// Something chosen elsewhere is no longer what the map's actions act on.
 void TreemapView::setHighlighted(ScanTree::Index node)
 {
+    if (node != chosen)
+        chosen = ScanTree::none;
     highlighted = node;
     update();
 }
@@ -348,12 +368,12 @@ QString TreemapView::filesToolTip(const TreemapLayout::Cell& cell) const
     QStringList lines{title.arg(tree->shownPath(folder)),
                       DiskUsageGlobal::sizeText(double(cell.amount))};
     const std::size_t wanted = filesInToolTip + tiled.size();
-    for (ScanTree::Index child : tree->largestChildren(folder, wanted, true)) {
+    for (ScanTree::Index child : tree->largestChildren(folder, wanted, true, measuredBy)) {
         if (std::find(tiled.begin(), tiled.end(), child) != tiled.end())
             continue;
         lines << QStringLiteral("  %1  %2")
                      .arg(tree->nameText(child),
-                          DiskUsageGlobal::sizeText(double(tree->node(child).size)));
+                          DiskUsageGlobal::sizeText(double(tree->node(child).amount(measuredBy))));
         if (lines.size() == filesInToolTip + 2)
             break;
     }
@@ -367,10 +387,10 @@ QString TreemapView::shareText(const TreemapLayout::Cell& cell) const
     QString text = QStringLiteral("\n%1% of the scanned folder").arg(share, 0, 'f', 2);
     if (!changes)
         return text;
-    const ScanTree::Index folder = TreemapLayout::folderOf(*tree, cell.block);
-    const ScanComparison::Change change = TreemapLayout::isFolder(*tree, cell.block)
-                                              ? changes->changeOf(folder)
-                                              : changes->filesChangeOf(folder);
+    const ScanComparison::Change change =
+        TreemapLayout::isFiles(cell.block)
+            ? changes->filesChangeOf(TreemapLayout::nodeOf(cell.block))
+            : changes->changeOf(cell.block);
     return text + (change.status == ScanComparison::Status::New
                        ? QStringLiteral("\nNot in the older scan")
                        : QStringLiteral("\n%1 since the older scan")

@@ -45,12 +45,20 @@ public:
     [[nodiscard]] TreemapPainter::Colouring colouring() const { return colouredBy; }
     // The names of the scan's categories, by index: what a file's type is called.
     void setCategoryNames(const QStringList& names) { categoryNames = names; }
-    // What each category takes in the whole scan, in the map's measure; all
-    // zero until the first picture.
-    [[nodiscard]] const TreemapLayout::CategoryAmounts& categoryAmounts() const { return amounts; }
+    // What each category takes in the whole scan, in the map's measure; none
+    // until a picture of this scan and measure has counted them.
+    [[nodiscard]] const TreemapLayout::CategoryAmounts* categoryAmounts() const
+    {
+        return amountsCounted ? &amounts : nullptr;
+    }
     // Outlines a folder's or a file's tile (or its nearest folder shown).
     void setHighlighted(ScanTree::Index node);
     [[nodiscard]] ScanTree::Index highlightedNode() const { return highlighted; }
+    // The file or folder whose tile was last clicked, while the picture
+    // shown still has that tile: what the map's actions act on. None after a
+    // click on a block of small files or beside every tile, once something
+    // else is outlined, and once the scan changes or the map zooms.
+    [[nodiscard]] ScanTree::Index chosenNode() const;
     [[nodiscard]] bool canZoomOut() const;
     [[nodiscard]] bool isRendered() const { return !image.isNull(); }
     // Where a folder or file, or the nearest folder above it that is shown,
@@ -98,6 +106,7 @@ private:
     std::shared_ptr<const ScanComparison> changes;
     ScanTree::Index top = 0;
     ScanTree::Index highlighted = ScanTree::none;
+    ScanTree::Index chosen = ScanTree::none;
     ScanTree::Measure measuredBy = ScanTree::Measure::Size;
     TreemapPainter::Colouring colouredBy = TreemapPainter::Colouring::ByType;
     QStringList categoryNames;

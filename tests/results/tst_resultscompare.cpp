@@ -60,7 +60,7 @@ private:
                           const QMap<QString, ChangeReference::Change>& expected, int* rows);
     [[nodiscard]] QMap<QString, ChangeReference::Change> expectedChanges() const;
     [[nodiscard]] QStringList legendRows() const;
-    [[nodiscard]] QColor mapColourOf(const QString& relative) const;
+    [[nodiscard]] QColor mapColourOf(const QString& relative, bool frame = false) const;
     [[nodiscard]] QStringList rootRows() const;
 
     template <typename T> [[nodiscard]] T* child(const char* name) const
@@ -262,13 +262,16 @@ void TestResultsCompare::theLegendTellsWhatGrewMost()
                                         "Other Changes | " + text(-200'000, 0)}));
 }
 
-QColor TestResultsCompare::mapColourOf(const QString& relative) const
+// The colour in the middle of an entry's tile, or with `frame` on the edge of
+// a folder's.
+QColor TestResultsCompare::mapColourOf(const QString& relative, bool frame) const
 {
     auto* map = child<TreemapView>("treemapView");
     const QRectF rect = map->rectOf(shown().tree->locate(root() + '/' + relative));
     if (rect.isEmpty())
         return {};
-    return map->grab().toImage().pixelColor(rect.center().toPoint());
+    const QPointF at = frame ? rect.topLeft() + QPointF(1, rect.height() / 2) : rect.center();
+    return map->grab().toImage().pixelColor(at.toPoint());
 }
 
 void TestResultsCompare::theMapIsColouredByChange()
@@ -279,7 +282,7 @@ void TestResultsCompare::theMapIsColouredByChange()
     child<QTabWidget>("tabWidget")->setCurrentWidget(child<QWidget>("mapTab"));
     QVERIFY(rendered.wait(20000));
     QVERIFY(!map->showsChanges());
-    const QColor docsBefore = mapColourOf("docs");
+    const QColor docsBefore = mapColourOf("docs/a1.txt");
     QVERIFY(docsBefore.isValid());
 
     QSignalSpy compared(comparer(), &ScanComparer::compared);
@@ -288,11 +291,12 @@ void TestResultsCompare::theMapIsColouredByChange()
     QVERIFY(map->showsChanges());
     // A picture begun before the comparison came may still arrive: waited
     // for is the one in the colours of change.
-    QTRY_VERIFY_WITH_TIMEOUT(mapColourOf("docs") != docsBefore, 20000);
-    const QColor grown = mapColourOf("docs");
-    const QColor fresh = mapColourOf("pictures");
-    const QColor shrunk = mapColourOf("music");
-    const QColor same = mapColourOf("keep");
+    // Each file by its own change; a folder's frame by the folder's.
+    QTRY_VERIFY_WITH_TIMEOUT(mapColourOf("docs/a1.txt") != docsBefore, 20000);
+    const QColor grown = mapColourOf("docs/a1.txt");
+    const QColor fresh = mapColourOf("pictures/p2.jpg");
+    const QColor shrunk = mapColourOf("music", true);
+    const QColor same = mapColourOf("music/song.mp3");
     const auto named = [](const QColor& colour) { return qPrintable(colour.name()); };
     QVERIFY2(grown != docsBefore, named(grown));
     QVERIFY2(grown.red() > grown.green() + 40 && grown.red() > grown.blue() + 40, named(grown));
@@ -316,7 +320,7 @@ void TestResultsCompare::theMapIsColouredByChange()
     child<QAction>("stopComparingAction")->trigger();
     QVERIFY(!map->showsChanges());
     QVERIFY(!legendNames().contains("Grown"));
-    QTRY_COMPARE_WITH_TIMEOUT(mapColourOf("docs"), docsBefore, 20000);
+    QTRY_COMPARE_WITH_TIMEOUT(mapColourOf("docs/a1.txt"), docsBefore, 20000);
 }
 
 QStringList TestResultsCompare::rootRows() const

@@ -936,6 +936,8 @@ void TestResultsScreen::theMapShowsEveryFile()
 
     biggest->selectPath(QDir::toNativeSeparators(dir.filePath("docs/a12.txt")));
     QCOMPARE(map->highlightedNode(), scan.locate(dir.filePath("docs/a12.txt")));
+    // Outlined from the list, not clicked: the map's actions act on nothing.
+    QCOMPARE(map->chosenNode(), ScanTree::none);
 
     auto* legend = child<MapLegend>(form.get(), "mapLegend");
     QTRY_VERIFY(!legend->entries().empty());

@@ -374,8 +374,7 @@ void TestTreemap::spaceOnDiskSizesTheAreasWhenAsked()
 
 void TestTreemap::tilesAreColouredByTheirType()
 {
-    // Three typed files, one of no type, and a subfolder too small to open
-    // whose one file is a video: it takes that type's colour.
+    // Three typed files, one of no type, and a subfolder whose one file is a video.
     const ScanTree tree = filesTree({{400, 0, 0}, {300, 0, 5}, {200, 0, 10}, {100, 0, 0xff}}, 10);
     const QSize size(12, 8);
     const std::vector<Cell> cells = TreemapLayout::layout(tree, 0, QRectF(QPointF(), size * 20));
@@ -396,6 +395,13 @@ void TestTreemap::tilesAreColouredByTheirType()
         ++checked;
     }
     QCOMPARE(checked, std::size_t(5));
+    // Too small to open, the subfolder takes the colour of its one file's type.
+    const std::vector<Cell> small = TreemapLayout::layout(tree, 0, QRectF(0, 0, 14, 10));
+    const auto closed = std::find_if(small.begin(), small.end(), [&](const Cell& cell) {
+        return cell.leaf && isFolderCell(tree, cell);
+    });
+    QVERIFY(closed != small.end());
+    QCOMPARE(closed->category, std::uint8_t(10));
     // Built-in categories have colours of their own.
     QSet<QRgb> colours;
     for (std::uint8_t category = 0; category < 12; ++category)
