@@ -5,14 +5,6 @@
 #include <QDir>
 #include <QThreadPool>
 
-#include <mutex>
-
-// Where a pool thread hands its work: nowhere once the comparer is gone.
-struct ScanComparer::Delivery {
-    std::mutex mutex;
-    ScanComparer* comparer = nullptr;
-};
-
 // Runs on a pool thread, on what it was given: the older scan is read from
 // its file unless it was read before.
 struct ScanComparer::Job {
@@ -62,15 +54,11 @@ bool ScanComparer::Job::read()
 
 ScanComparer::ScanComparer(QObject* parent)
     : QObject(parent)
-    , delivery(std::make_shared<Delivery>())
-{
-    delivery->comparer = this;
-}
+    , handOff(this)
+{}
 
 ScanComparer::~ScanComparer()
 {
-    std::lock_guard lock(delivery->mutex);
-    delivery->comparer = nullptr;
     if (cancel)
         cancel->store(true);
 }
@@ -135,14 +123,9 @@ void ScanComparer::start(std::shared_ptr<Job> job)
 {
     running = true;
     job->generation = generation;
-    QThreadPool::globalInstance()->start([job = std::move(job), to = delivery] {
+    QThreadPool::globalInstance()->start([job = std::move(job), to = handOff.sender()] {
         job->run();
-        std::lock_guard lock(to->mutex);
-        if (to->comparer) {
-            QMetaObject::invokeMethod(
-                to->comparer, [comparer = to->comparer, job] { comparer->takeJob(job); },
-                Qt::QueuedConnection);
-        }
+        to.send([job](ScanComparer* comparer) { comparer->takeJob(job); });
     });
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "PoolHandOff.h"
 #include "scan/ScanComparison.h"
 #include "scan/ScanResult.h"
 
@@ -49,7 +50,6 @@ signals:
     void failed(const QString& reason);
 
 private:
-    struct Delivery;
     struct Job;
 
     void compareAgain();
@@ -66,5 +66,5 @@ private:
     std::shared_ptr<std::atomic<bool>> cancel;
     std::uint64_t generation = 0;
     bool running = false;
-    std::shared_ptr<Delivery> delivery;
+    PoolHandOff<ScanComparer> handOff;
 };

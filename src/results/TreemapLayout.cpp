@@ -268,23 +268,14 @@ std::vector<TreemapLayout::Cell> TreemapLayout::layout(const ScanTree& tree, Sca
 
 void TreemapLayout::tintByChange(std::vector<Cell>& cells, const ScanComparison& comparison)
 {
+    using Status = ScanComparison::Status;
     for (Cell& cell : cells) {
-        const ScanComparison::Status status =
-            isFiles(cell.block) ? comparison.filesChangeOf(nodeOf(cell.block)).status
-                                : comparison.changeOf(cell.block).status;
-        switch (status) {
-        case ScanComparison::Status::Same:
-            cell.tint = Tint::Same;
-            break;
-        case ScanComparison::Status::Grown:
-            cell.tint = Tint::Grown;
-            break;
-        case ScanComparison::Status::Shrunk:
-            cell.tint = Tint::Shrunk;
-            break;
-        case ScanComparison::Status::New:
-            cell.tint = Tint::New;
-            break;
-        }
+        const Status status = isFiles(cell.block)
+                                  ? comparison.filesChangeOf(nodeOf(cell.block)).status
+                                  : comparison.changeOf(cell.block).status;
+        cell.tint = status == Status::Grown    ? Tint::Grown
+                    : status == Status::Shrunk ? Tint::Shrunk
+                    : status == Status::New    ? Tint::New
+                                               : Tint::Same;
     }
 }

@@ -10,7 +10,7 @@
 #include <QThreadPool>
 #include <QToolTip>
 
-#include <mutex>
+#include <algorithm>
 
 namespace {
 
@@ -18,12 +18,6 @@ constexpr int resizePauseMs = 150;
 constexpr int filesInToolTip = 5;
 
 } // namespace
-
-// Where a pool thread hands a finished picture: nowhere once the view is gone.
-struct TreemapView::Delivery {
-    std::mutex mutex;
-    TreemapView* view = nullptr;
-};
 
 struct TreemapView::Render {
     QImage image;
@@ -35,9 +29,8 @@ struct TreemapView::Render {
 
 TreemapView::TreemapView(QWidget* parent)
     : QWidget(parent)
-    , delivery(std::make_shared<Delivery>())
+    , handOff(this)
 {
-    delivery->view = this;
     setMouseTracking(true);
     setFocusPolicy(Qt::StrongFocus);
     setMinimumSize(200, 150);
@@ -47,11 +40,7 @@ TreemapView::TreemapView(QWidget* parent)
     connect(&resizePause, &QTimer::timeout, this, &TreemapView::render);
 }
 
-TreemapView::~TreemapView()
-{
-    std::lock_guard lock(delivery->mutex);
-    delivery->view = nullptr;
-}
+TreemapView::~TreemapView() = default;
 
 void TreemapView::setSource(std::shared_ptr<const ScanTree> source)
 {
@@ -148,19 +137,14 @@ void TreemapView::render()
     done->counting = !amountsCounted;
     QThreadPool::globalInstance()->start([done, map = tree, compared = changes, from = top,
                                           area = size(), measure = measuredBy,
-                                          colouring = colouredBy, to = delivery] {
+                                          colouring = colouredBy, to = handOff.sender()] {
         if (done->counting)
             done->amounts = TreemapLayout::categoryAmounts(*map, measure);
         done->cells = TreemapLayout::layout(*map, from, QRectF(QPointF(0, 0), area), measure);
         if (compared)
             TreemapLayout::tintByChange(done->cells, *compared);
         done->image = TreemapPainter::paint(done->cells, area, colouring);
-        std::lock_guard lock(to->mutex);
-        if (to->view) {
-            QMetaObject::invokeMethod(
-                to->view, [view = to->view, done] { view->takeRender(done); },
-                Qt::QueuedConnection);
-        }
+        to.send([done](TreemapView* view) { view->takeRender(done); });
     });
 }
 

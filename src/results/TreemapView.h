@@ -1,5 +1,6 @@
 #pragma once
 
+#include "PoolHandOff.h"
 #include "TreemapLayout.h"
 #include "TreemapPainter.h"
 
@@ -87,7 +88,6 @@ protected:
     bool event(QEvent* event) override;
 
 private:
-    struct Delivery;
     struct Render;
 
     void render();
@@ -116,5 +116,5 @@ private:
     std::vector<TreemapLayout::Cell> cells;
     QTimer resizePause;
     std::uint64_t generation = 0;
-    std::shared_ptr<Delivery> delivery;
+    PoolHandOff<TreemapView> handOff;
 };
